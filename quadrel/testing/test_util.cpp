@@ -1,0 +1,80 @@
+#include "quadrel/testing/test_util.h"
+
+#include <cmath>
+#include <cstring>
+#include <sstream>
+#include <vector>
+
+CMatrix MakeMatrix(int rows, int cols, std::initializer_list<double> rowMajor) {
+  std::vector<double> values(rowMajor);
+  values.resize(static_cast<size_t>(rows) * cols, 0.0);
+  return CMatrix(values.data(), rows, cols);
+}
+
+CMatrix MakeCol(std::initializer_list<double> values) {
+  return MakeMatrix(static_cast<int>(values.size()), 1, values);
+}
+
+CMatrix MakeRow(std::initializer_list<double> values) {
+  return MakeMatrix(1, static_cast<int>(values.size()), values);
+}
+
+std::string Describe(const CMatrix &m) {
+  std::ostringstream out;
+  out.precision(17);
+  out << m.GetRows() << " x " << m.GetCols() << " [";
+  for (int i = 0; i < m.GetRows(); ++i) {
+    if (i > 0) out << "; ";
+    for (int j = 0; j < m.GetCols(); ++j) out << (j > 0 ? " " : "") << m(i, j);
+  }
+  out << "]";
+  return out.str();
+}
+
+::testing::AssertionResult SameBits(const CMatrix &a, const CMatrix &b) {
+  if (a.GetRows() != b.GetRows() || a.GetCols() != b.GetCols())
+    return ::testing::AssertionFailure() << "shapes differ: " << Describe(a) << " vs " << Describe(b);
+  for (int i = 0; i < a.GetRows(); ++i)
+    for (int j = 0; j < a.GetCols(); ++j)
+      if (std::memcmp(&a(i, j), &b(i, j), sizeof(double)) != 0)
+        return ::testing::AssertionFailure() << "element (" << i << ", " << j << ") differs: "
+                                             << Describe(a) << " vs " << Describe(b);
+  return ::testing::AssertionSuccess();
+}
+
+::testing::AssertionResult Near(const CMatrix &a, const CMatrix &b, double tol) {
+  if (a.GetRows() != b.GetRows() || a.GetCols() != b.GetCols())
+    return ::testing::AssertionFailure() << "shapes differ: " << Describe(a) << " vs " << Describe(b);
+  for (int i = 0; i < a.GetRows(); ++i)
+    for (int j = 0; j < a.GetCols(); ++j)
+      if (!(std::fabs(a(i, j) - b(i, j)) <= tol))
+        return ::testing::AssertionFailure() << "element (" << i << ", " << j << ") differs by more than "
+                                             << tol << ": " << Describe(a) << " vs " << Describe(b);
+  return ::testing::AssertionSuccess();
+}
+
+std::uint64_t TestRandom::Next() {
+  state_ ^= state_ >> 12;
+  state_ ^= state_ << 25;
+  state_ ^= state_ >> 27;
+  return state_ * 2685821657736338717ULL;
+}
+
+double TestRandom::Uniform(double lo, double hi) {
+  const double unit = static_cast<double>(Next() >> 11) * (1.0 / 9007199254740992.0);
+  return lo + (hi - lo) * unit;
+}
+
+double TestRandom::Normal() {
+  double u = Uniform(0.0, 1.0);
+  while (u <= 0.0) u = Uniform(0.0, 1.0);
+  const double v = Uniform(0.0, 1.0);
+  return std::sqrt(-2.0 * std::log(u)) * std::cos(6.283185307179586 * v);
+}
+
+CMatrix TestRandom::Matrix(int rows, int cols, double lo, double hi) {
+  CMatrix m(rows, cols);
+  for (int i = 0; i < rows; ++i)
+    for (int j = 0; j < cols; ++j) m(i, j) = Uniform(lo, hi);
+  return m;
+}
