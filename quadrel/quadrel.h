@@ -6,5 +6,11 @@
 #define QUADREL_QUADREL_H
 
 #include "quadrel/matrix/matrix.h"
+#include "quadrel/matrix/operators.h"
+#include "quadrel/matrix/stream.h"
+
+#include "quadrel/functions/constructors.h"
+#include "quadrel/functions/rearrange.h"
+#include "quadrel/functions/reductions.h"
 
 #endif  // QUADREL_QUADREL_H

@@ -80,7 +80,7 @@ class QUADREL_API CMatrix {
   // this(rowList(a), colList(b)).
   CMatrix operator()(const CMatrix &rowList, const CMatrix &colList) const;
 
-  // In-place edits; each returns this matrix.
+  // In-place edits; each returns this matrix as a constant reference.
   //
   // Column j becomes the first column of source: this(i, j) = source(i, 0).
   // Requires 0 <= j < cols and source.GetRows() >= rows.
@@ -98,6 +98,8 @@ class QUADREL_API CMatrix {
   // column table. Both must be in range.
   const CMatrix &SwapCols(int a, int b);
   // The matrix becomes its transpose, cols x rows, with the identity table.
+  // A matrix with no columns must not have more than 9 rows: its transpose
+  // would be a shape that cannot exist.
   const CMatrix &Transpose();
 
   // Sorts every column ascending, in place and each by itself; index becomes a
@@ -105,8 +107,8 @@ class QUADREL_API CMatrix {
   // (i, j) had before. The order of equal keys is that of the library's
   // quicksort, which is not stable. A 1 x n matrix is left alone (each column
   // has one element); use the free Sort for row vectors. index must be another
-  // object than this matrix. NaN keys end in an unspecified order, but every
-  // key, NaN or not, stays in the column.
+  // object than this matrix. NaN keys sort after every number, in the column
+  // they came from.
   const CMatrix &Sort(CMatrix &index);
 
  protected:

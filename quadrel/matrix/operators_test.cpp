@@ -1,0 +1,132 @@
+#include "quadrel/matrix/operators.h"
+
+#include <cmath>
+#include <limits>
+
+#include <gtest/gtest.h>
+
+#include "quadrel/testing/test_util.h"
+
+namespace {
+
+const double kNaN = std::numeric_limits<double>::quiet_NaN();
+const double kInf = std::numeric_limits<double>::infinity();
+
+}  // namespace
+
+TEST(Operators, StarIsTheProductAndCaretElementWise) {
+  EXPECT_TRUE(SameBits(MakeRow({2, 3}) ^ MakeRow({4, 5}), MakeRow({8, 15})));
+  const CMatrix A = MakeMatrix(2, 3, {1, 2, 3, 4, 5, 6});
+  const CMatrix B = MakeMatrix(3, 4, {1, 0, 2, -1, 0, 1, 3, 2, 1, 1, 0, 4});
+  EXPECT_TRUE(SameBits(A * B, MakeMatrix(2, 4, {4, 5, 8, 15, 10, 11, 23, 30})));
+  // Rows of B beyond A's columns are ignored.
+  EXPECT_TRUE(SameBits(A * MakeMatrix(4, 2, {1, 2, 3, 4, 5, 6, 100, 100}),
+                       MakeMatrix(2, 2, {22, 28, 49, 64})));
+  // An empty inner dimension gives zeros.
+  EXPECT_TRUE(SameBits(CMatrix(2, 0) * CMatrix(0, 3), CMatrix(0.0, 2, 3)));
+}
+
+TEST(Operators, ProductSumsInRisingOrderFromZero) {
+  // 1e16 + 1 loses the 1: only a plain running sum in rising k gives these.
+  const CMatrix ones = MakeCol({1, 1, 1});
+  EXPECT_EQ((MakeRow({1e16, 1, -1e16}) * ones)(0), 0.0);
+  EXPECT_EQ((MakeRow({1, 1e16, -1e16}) * ones)(0), 0.0);
+  EXPECT_EQ((MakeRow({1e16, -1e16, 1}) * ones)(0), 1.0);
+  // The sum starts at +0.0, so a -0.0 term gives +0.0.
+  EXPECT_FALSE(std::signbit((MakeRow({-0.0}) * MakeCol({1.0}))(0)));
+}
+
+TEST(Operators, OneByOneIsNoScalar) {
+  const CMatrix one = MakeRow({2});
+  const CMatrix B = MakeMatrix(3, 3, {1, 2, 3, 4, 5, 6, 7, 8, 9});
+  EXPECT_TRUE(SameBits(one * B, MakeRow({2, 4, 6})));
+  EXPECT_TRUE(SameBits(one + B, MakeRow({3})));
+  // A larger right operand is cut to the left operand's shape.
+  EXPECT_TRUE(SameBits(MakeMatrix(2, 2, {1, 1, 1, 1}) - B, MakeMatrix(2, 2, {0, -1, -3, -4})));
+}
+
+TEST(Operators, ScalarForms) {
+  const CMatrix A = MakeRow({1, -2, 0});
+  EXPECT_TRUE(SameBits(2.0 - A, MakeRow({1, 4, 2})));
+  EXPECT_TRUE(SameBits(A - 2.0, MakeRow({-1, -4, -2})));
+  EXPECT_TRUE(SameBits(2.0 + A, A + 2.0));
+  EXPECT_TRUE(SameBits(3.0 * A, A * 3.0));
+  EXPECT_TRUE(SameBits(A / 4.0, MakeRow({0.25, -0.5, 0})));
+  EXPECT_TRUE(SameBits(-A, MakeRow({-1, 2, -0.0})));
+  EXPECT_EQ(&(+A), &A);
+  // Division by zero goes on with infinities and NaN.
+  const CMatrix R = A / 0.0;
+  EXPECT_EQ(R(0), kInf);
+  EXPECT_EQ(R(1), -kInf);
+  EXPECT_TRUE(std::isnan(R(2)));
+}
+
+TEST(Operators, InPlaceFormsWorkWhereElementsStand) {
+  CMatrix A = MakeMatrix(2, 2, {1, 2, 3, 4});
+  A += A;
+  A += 1.0;
+  A -= 0.5;
+  A *= 2.0;
+  A /= 4.0;
+  EXPECT_TRUE(SameBits(A, MakeMatrix(2, 2, {1.25, 2.25, 3.25, 4.25})));
+  A += MakeMatrix(3, 3, {1, 1, 9, 1, 1, 9, 9, 9, 9});
+  A -= MakeMatrix(2, 3, {0.25, 0.25, 9, 0.25, 0.25, 9});
+  EXPECT_TRUE(SameBits(A, MakeMatrix(2, 2, {2, 3, 4, 5})));
+  EXPECT_EQ(&(A -= A), &A);
+  EXPECT_TRUE(SameBits(A, CMatrix(0.0, 2, 2)));
+
+  CMatrix D = MakeMatrix(3, 3, {1, 0, 0, 0, 2, 0, 0, 0, 3});
+  D *= MakeCol({1, 1, 1});
+  EXPECT_TRUE(SameBits(D, MakeCol({1, 2, 3})));
+  CMatrix S = MakeMatrix(2, 2, {1, 1, 0, 1});
+  S *= S;
+  EXPECT_TRUE(SameBits(S, MakeMatrix(2, 2, {1, 2, 0, 1})));
+}
+
+TEST(Operators, ComparisonsAndLogicGiveMasks) {
+  const CMatrix A = MakeRow({1, 2, 3});
+  EXPECT_TRUE(SameBits(A > 2.0, MakeRow({0, 0, 1})));
+  EXPECT_TRUE(SameBits(A >= 2.0, MakeRow({0, 1, 1})));
+  EXPECT_TRUE(SameBits(A == 2.0, MakeRow({0, 1, 0})));
+  EXPECT_TRUE(SameBits(A != 2.0, MakeRow({1, 0, 1})));
+  EXPECT_TRUE(SameBits(A < 2.0, MakeRow({1, 0, 0})));
+  EXPECT_TRUE(SameBits(A <= 2.0, MakeRow({1, 1, 0})));
+  EXPECT_TRUE(SameBits(MakeRow({0.1 + 0.2}) == 0.3, MakeRow({0})));
+
+  const CMatrix M = MakeMatrix(2, 3, {-0.5, 0.0, 0.25, 1.0, 0.999, 2});
+  EXPECT_TRUE(SameBits((M > 0.0) && (M < 1.0), MakeMatrix(2, 3, {0, 0, 1, 0, 1, 0})));
+  // -0.0 is false.
+  const CMatrix P = MakeRow({0.0, -0.0, 3, 0});
+  const CMatrix Q = MakeRow({-0.0, 5, -1, 2});
+  EXPECT_TRUE(SameBits(P && Q, MakeRow({0, 0, 1, 0})));
+  EXPECT_TRUE(SameBits(P || Q, MakeRow({0, 1, 1, 1})));
+}
+
+TEST(Operators, NaNFollowsIeeeRules) {
+  const CMatrix A = MakeRow({kNaN, 1});
+  EXPECT_TRUE(SameBits(A == kNaN, MakeRow({0, 0})));
+  EXPECT_TRUE(SameBits(A != kNaN, MakeRow({1, 1})));
+  EXPECT_TRUE(SameBits(A >= 0.0, MakeRow({0, 1})));
+  // NaN is non-zero, so it counts as true.
+  EXPECT_TRUE(SameBits(A && A, MakeRow({1, 1})));
+  EXPECT_TRUE(SameBits(A || MakeRow({0, 0}), MakeRow({1, 1})));
+}
+
+TEST(Operators, EmptyShapesPassThrough) {
+  for (const int rows : {0, 4}) {
+    const CMatrix E(rows, 4 - rows);
+    const CMatrix results[] = {E + E, E ^ E, E + 1.0, 2.0 - E, E / 0.0, -E, E > 1.0, E || E};
+    for (const CMatrix &R : results)
+      EXPECT_TRUE(SameBits(R, E));
+  }
+}
+
+TEST(Operators, ReadOperandsThroughTheColumnTable) {
+  CMatrix A = MakeMatrix(2, 3, {1, 2, 3, 4, 5, 6});
+  A.SwapCols(0, 2);
+  const CMatrix seen = MakeMatrix(2, 3, {3, 2, 1, 6, 5, 4});
+  EXPECT_TRUE(SameBits(A + 0.0, seen));
+  EXPECT_TRUE(SameBits(MakeRow({1, 0}) * A, MakeRow({3, 2, 1})));
+  A += 1.0;
+  EXPECT_TRUE(SameBits(A, seen + 1.0));
+}
