@@ -13,4 +13,13 @@
 #include "quadrel/functions/rearrange.h"
 #include "quadrel/functions/reductions.h"
 
+#include "quadrel/linalg/direct.h"
+#include "quadrel/linalg/least_squares.h"
+#include "quadrel/linalg/polynomial.h"
+#include "quadrel/linalg/svd.h"
+
+#include "quadrel/geometry/distances.h"
+#include "quadrel/geometry/rotations.h"
+#include "quadrel/geometry/vectors.h"
+
 #endif  // QUADREL_QUADREL_H
