@@ -22,4 +22,9 @@
 #include "quadrel/geometry/rotations.h"
 #include "quadrel/geometry/vectors.h"
 
+#include "quadrel/fitting/circle_sphere.h"
+#include "quadrel/fitting/ellipse.h"
+#include "quadrel/fitting/line_plane.h"
+#include "quadrel/fitting/paraboloid.h"
+
 #endif  // QUADREL_QUADREL_H

@@ -1,0 +1,79 @@
+#include "quadrel/fitting/simplex.h"
+
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "quadrel/testing/test_util.h"
+
+namespace {
+
+// Every vertex the objectives below are called with, in call order.
+std::vector<CMatrix> calls;
+
+double Bowl(const CMatrix &x, const CMatrix &data) {
+  calls.push_back(x);
+  const double a = x(0) - data(0);
+  const double b = x(1) - data(1);
+  return a * a + 2.0 * b * b;
+}
+
+double Flat(const CMatrix &x, const CMatrix &) {
+  calls.push_back(x);
+  return 1.0;
+}
+
+TEST(SimplexMin, ConvergesOnAQuadraticBowl) {
+  calls.clear();
+  CMatrix x = MakeCol({1, 1});
+  double tolX = 1e-8, tolF = 1e-8;
+  int maxIter = 1000;
+  const double f = SimplexMin(Bowl, x, MakeCol({1.5, -0.5}), tolX, tolF, maxIter);
+  EXPECT_TRUE(Near(x, MakeCol({1.5, -0.5}), 1e-8));
+  EXPECT_LT(maxIter, 1000);
+  EXPECT_GT(maxIter, 10);
+  EXPECT_LT(tolX, 1e-8);
+  EXPECT_LT(tolF, 1e-8);
+  EXPECT_LT(f, 1e-15);
+  EXPECT_EQ(f, Bowl(x, MakeCol({1.5, -0.5})));
+}
+
+TEST(SimplexMin, OneIterationKeepsTheBestOfTheStartSimplex) {
+  // Start (0, -2): the zero coordinate steps by 0.005, the negative one by
+  // 10 % away from zero.
+  calls.clear();
+  CMatrix x = MakeCol({0, -2});
+  double tolX = 0.0, tolF = 0.0;
+  int maxIter = 1;
+  const double f = SimplexMin(Bowl, x, MakeCol({0, 0}), tolX, tolF, maxIter);
+  ASSERT_EQ(calls.size(), 5u);  // start simplex, reflection, accepted expansion
+  EXPECT_TRUE(SameBits(calls[0], MakeCol({0, -2})));
+  EXPECT_TRUE(SameBits(calls[1], MakeCol({0.005, -2})));
+  const double y = (1 + 0.1) * -2.0;
+  EXPECT_TRUE(SameBits(calls[2], MakeCol({0, y})));
+  EXPECT_TRUE(SameBits(calls[3], MakeCol({0.005, 2.0 * -2.0 - y})));  // reflection
+  // The expansion (0.0075, -1.6) is better, but the iteration that placed it
+  // was the last one, so it is not sorted in.
+  EXPECT_EQ(maxIter, 1);
+  EXPECT_TRUE(SameBits(x, MakeCol({0, -2})));
+  EXPECT_EQ(f, 8.0);
+  // Measures taken at the top of that iteration.
+  EXPECT_EQ(tolX, -(y - -2.0));
+  EXPECT_EQ(tolF, 2.0 * y * y - 8.0);
+}
+
+TEST(SimplexMin, ConstantObjectiveShrinksUntilSmall) {
+  // Spread is 0 from the start; every iteration reflects, contracts inside
+  // (no tie accepted) and shrinks, halving the size 0.1 of the start simplex.
+  calls.clear();
+  CMatrix x = MakeCol({1, 1});
+  double tolX = 1e-3, tolF = 1e-3;
+  int maxIter = 100;
+  EXPECT_EQ(SimplexMin(Flat, x, CMatrix(), tolX, tolF, maxIter), 1.0);
+  EXPECT_EQ(maxIter, 7);
+  EXPECT_NEAR(tolX, 0.1 / 128, 1e-15);
+  EXPECT_EQ(tolF, 0.0);
+  EXPECT_EQ(calls.size(), 3u + 7u * 4u);
+}
+
+}  // namespace
