@@ -27,4 +27,7 @@
 #include "quadrel/fitting/line_plane.h"
 #include "quadrel/fitting/paraboloid.h"
 
+#include "quadrel/estimators/quality_peak.h"
+#include "quadrel/estimators/trihedral.h"
+
 #endif  // QUADREL_QUADREL_H
