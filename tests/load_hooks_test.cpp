@@ -13,7 +13,8 @@ namespace {
 
 std::vector<std::string> Events() {
   std::vector<std::string> events;
-  for (int k = 0; k < AfxEventCount(); ++k) events.push_back(AfxEvent(k));
+  for (int k = 0; k < AfxEventCount(); ++k)
+    events.push_back(AfxEvent(k));
   return events;
 }
 
