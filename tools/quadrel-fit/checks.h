@@ -1,0 +1,48 @@
+// Checks of the input that come before a fit: enough points, and points that
+// determine the shape at all. The library answers degenerate data with values
+// that are no numbers or with arbitrary ones; the tool refuses such data
+// instead, with a message that says what is missing.
+#ifndef QUADREL_FIT_CHECKS_H
+#define QUADREL_FIT_CHECKS_H
+
+#include <array>
+#include <string>
+
+#include "point_reader.h"
+
+namespace quadrel_fit {
+
+using Vec3 = std::array<double, 3>;
+
+// Spread of a point set about its centroid along its principal axes: rms[k] is
+// the root mean square distance from the centroid along axes[k]; rms[0] is the
+// largest, rms[2] the smallest.
+struct Spread {
+  Vec3 centroid{};
+  Vec3 rms{};
+  std::array<Vec3, 3> axes{};
+};
+Spread PrincipalSpread(const PointTable &table);
+
+// A principal spread at or below this fraction of the largest counts as none:
+// the points are then taken to lie on a line (second spread) or in a plane
+// (third spread). Exactly flat data comes out near 1e-8 here, from the
+// rounding of the scatter matrix, so the bound leaves a wide margin.
+constexpr double kFlatRatio = 1e-6;
+
+// Each throws an InputError when its condition fails. what names the fit in
+// messages, e.g. "a sphere fit".
+void RequirePoints(const PointTable &table, int needed, const std::string &what,
+                   const char *unit = "points");
+// Not every point (in the first `rows` numbers of each line) is the same.
+void RequireDistinct(const PointTable &table, const std::string &what, int rows = 3);
+void RequireNotOnOneLine(const PointTable &table, const std::string &what);
+void RequireNotInOnePlane(const PointTable &table, const std::string &what);
+// The five terms x^2, x, y^2, y, 1 of the paraboloid can be told apart.
+void RequireParaboloidTermsApart(const PointTable &table);
+// Not every third number (the quality of a sample) is the same.
+void RequireQualityVaries(const PointTable &table);
+
+}  // namespace quadrel_fit
+
+#endif  // QUADREL_FIT_CHECKS_H

@@ -1,0 +1,216 @@
+// quadrel-fit: fits lines, planes, circles, spheres, ellipses, paraboloids,
+// ideal trihedrals and quality peaks to points read from files, with the
+// quadrel library.
+#include <unistd.h>
+
+#include <cmath>
+#include <iostream>
+#include <map>
+#include <sstream>
+#include <string>
+
+#include <CLI/CLI.hpp>
+
+#include "commands.h"
+#include "demo.h"
+#include "errors.h"
+#include "fits.h"
+
+namespace {
+
+using quadrel_fit::OutputOptions;
+using quadrel_fit::Shape;
+
+const char *const kCommands =
+    "line, plane, circle, sphere, ellipse, paraboloid, trihedral, peak, demo";
+
+// Words for each shape's --help.
+const std::map<std::string, std::string> kShapeHelp = {
+    {"line",
+     "Fit a straight line: centroid and unit direction; residuals are distances from the "
+     "line."},
+    {"plane",
+     "Fit a plane: centroid and unit normal; residuals are signed distances, positive "
+     "on the side the normal points to."},
+    {"circle",
+     "Fit a circle in space: centre, unit normal of its plane and radius; residuals are "
+     "distances from the circle."},
+    {"sphere",
+     "Fit a sphere: centre and radius; residuals are distances from the centre minus "
+     "the radius, positive outside."},
+    {"ellipse",
+     "Fit an ellipse in space: its two foci, the plane normal and the focal sum, with the "
+     "centre (mean of the foci) and the semi-axes derived from them; a residual combines a "
+     "point's height over the plane with the squared mismatch of its focal sum."},
+    {"paraboloid",
+     "Fit z = z0 + sign ((x - x0) / a)^2 + s ((y - y0) / b)^2, s = +1 or -1, with its section "
+     "axes along x and y: vertex, a, b and sign, the sign of the x curvature (s is not "
+     "reported); residuals are vertical, positive above the surface."},
+};
+
+const char *const kFileHelp =
+    "Point file: one point per line as x y z, separated by blanks or commas; '#' lines, empty "
+    "lines and one header line of words are skipped. '-' or nothing reads standard input.";
+
+// Reading standard input from a terminal waits for typing; say so.
+void NoteTerminalInput(const std::string &path) {
+  if (path == "-" && isatty(STDIN_FILENO)) {
+    std::cerr << "quadrel-fit: reading from standard input; end with Ctrl-D\n";
+  }
+}
+
+// The first word of the command line that is no option must be a command.
+bool UnknownCommand(int argc, char **argv, std::string &word) {
+  for (int i = 1; i < argc; ++i) {
+    const std::string argument = argv[i];
+    if (!argument.empty() && argument[0] == '-') continue;
+    word = argument;
+    const std::string known = std::string(", ") + kCommands + ",";
+    return known.find(", " + argument + ",") == std::string::npos;
+  }
+  return false;
+}
+
+int Run(int argc, char **argv) {
+  CLI::App app{
+      "quadrel-fit: fit shapes to measured points with the quadrel library.\n"
+      "Results go to standard output as text (6 significant digits) or, with --json, as one "
+      "JSON object whose numbers read back exactly."};
+  app.name("quadrel-fit");
+  app.set_version_flag("--version", "quadrel-fit " QUADREL_FIT_VERSION);
+  app.require_subcommand(1);
+  app.footer(
+      "Exit status: 0 success, 1 an output file could not be written, 2 bad usage, bad input "
+      "or data that determine no shape (with a message on standard error and nothing on "
+      "standard output).\nRun 'quadrel-fit COMMAND --help' for the options of a command.");
+
+  OutputOptions output;
+  std::string path = "-";
+  std::map<std::string, CLI::App *> shapeCommands;
+  for (Shape shape : quadrel_fit::kAllShapes) {
+    const std::string name = quadrel_fit::ShapeName(shape);
+    CLI::App *command = app.add_subcommand(name, kShapeHelp.at(name));
+    command->add_option("FILE", path, kFileHelp);
+    command->add_flag("--json", output.json, "Write the results as one JSON object.");
+    command->add_flag("--residuals", output.residuals,
+                      "List the residual of every point, with its line in the file.");
+    if (shape == Shape::kCircle || shape == Shape::kEllipse || shape == Shape::kPlane) {
+      command
+          ->add_option("--svg", output.svgPath,
+                       shape == Shape::kPlane
+                           ? "Draw the residual of every point as a bar into an SVG file."
+                           : "Draw the points in the fitted plane with the fitted curve into "
+                             "an SVG file.")
+          ->type_name("FILE");
+    }
+    shapeCommands[name] = command;
+  }
+
+  std::vector<std::string> faces;
+  double edgeAngle = 90.0;
+  CLI::App *trihedral = app.add_subcommand(
+      "trihedral",
+      "Fit an ideal trihedral (three planes through one apex whose edges make one known angle) "
+      "to points of its three faces: apex, angles alpha, beta, gamma of its rotation, rms "
+      "distance and whether the iteration converged. The faces go in the order that makes the "
+      "normals, turned away from the origin, a right-handed triple.");
+  trihedral->add_option("FILES", faces, "The three point files, one for each face.")
+      ->expected(3)
+      ->required();
+  trihedral
+      ->add_option("--edge-angle", edgeAngle,
+                   "Angle between two edges at the apex, in degrees, strictly between 0 and "
+                   "120 (90 for the corner of a cube).")
+      ->type_name("DEGREES")
+      ->capture_default_str();
+  trihedral->add_flag("--json", output.json, "Write the results as one JSON object.");
+
+  CLI::App *peak = app.add_subcommand(
+      "peak",
+      "Find where a quality sampled at scattered positions is highest, from a quadratic surface "
+      "fitted to all samples, and say how the position was found.");
+  peak->add_option("FILE", path,
+                   "Sample file: one sample per line as x y quality; otherwise as for point "
+                   "files. '-' or nothing reads standard input.");
+  peak->add_flag("--json", output.json, "Write the results as one JSON object.");
+  peak->add_option("--svg", output.svgPath,
+                   "Draw the samples shaded by quality, with the peak marked, into an SVG file.")
+      ->type_name("FILE");
+
+  quadrel_fit::DemoOptions demoOptions;
+  CLI::App *demo = app.add_subcommand(
+      "demo",
+      "Run every fit on built-in samples (exact shapes with a little noise from a fixed seed) "
+      "and print the fitted parameters against the true ones.");
+  demo->add_flag("--json", demoOptions.json, "Write the table as one JSON object.");
+  demo->add_option("--noise", demoOptions.noise,
+                   "Standard deviation of the noise added to every number.")
+      ->capture_default_str();
+  demo->add_option("--seed", demoOptions.seed, "Seed of the noise.")->capture_default_str();
+  demo->add_option("--save", demoOptions.saveDirectory,
+                   "Also write the samples as point files into this directory.")
+      ->type_name("DIR");
+
+  if (argc < 2) {
+    throw quadrel_fit::InputError(std::string("no command given; choose one of ") + kCommands +
+                                  "\nRun 'quadrel-fit --help' for usage.");
+  }
+  std::string word;
+  if (UnknownCommand(argc, argv, word)) {
+    throw quadrel_fit::InputError("unknown shape or command '" + word + "'; choose one of " +
+                                  kCommands);
+  }
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::ParseError &error) {
+    if (error.get_exit_code() == 0) return app.exit(error);  // --help, --version
+    throw quadrel_fit::InputError(std::string(error.what()) +
+                                  "\nRun 'quadrel-fit --help' for usage.");
+  }
+
+  // Everything goes to a buffer first, so that a failure leaves standard output
+  // empty.
+  std::ostringstream out;
+  for (const auto &[name, command] : shapeCommands) {
+    if (command->parsed()) {
+      Shape shape = Shape::kLine;
+      quadrel_fit::ShapeFromName(name, shape);
+      NoteTerminalInput(path);
+      quadrel_fit::RunShapeCommand(shape, path, output, out);
+    }
+  }
+  if (trihedral->parsed()) {
+    quadrel_fit::RunTrihedralCommand({faces[0], faces[1], faces[2]}, edgeAngle, output, out);
+  }
+  if (peak->parsed()) {
+    NoteTerminalInput(path);
+    quadrel_fit::RunPeakCommand(path, output, out);
+  }
+  if (demo->parsed()) {
+    if (!(demoOptions.noise >= 0.0 && std::isfinite(demoOptions.noise))) {
+      throw quadrel_fit::InputError("--noise must be a finite number of at least 0");
+    }
+    quadrel_fit::RunDemo(demoOptions, out);
+  }
+  std::cout << out.str();
+  std::cout.flush();
+  if (!std::cout) {
+    std::cerr << "quadrel-fit: cannot write to standard output\n";
+    return quadrel_fit::kExitFailure;
+  }
+  return quadrel_fit::kExitOk;
+}
+
+}  // namespace
+
+int main(int argc, char **argv) {
+  try {
+    return Run(argc, argv);
+  } catch (const quadrel_fit::ToolError &error) {
+    std::cerr << "quadrel-fit: " << error.what() << '\n';
+    return error.exitStatus();
+  } catch (const std::bad_alloc &) {
+    std::cerr << "quadrel-fit: out of memory\n";
+    return quadrel_fit::kExitFailure;
+  }
+}

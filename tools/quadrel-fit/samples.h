@@ -1,0 +1,50 @@
+// Built-in sample data: exact shapes with known parameters, optionally with
+// normally distributed noise from a fixed seed. The demo fits them, and
+// `demo --save` writes them as point files.
+#ifndef QUADREL_FIT_SAMPLES_H
+#define QUADREL_FIT_SAMPLES_H
+
+#include <array>
+#include <string>
+#include <vector>
+
+#include "fits.h"
+#include "point_reader.h"
+
+namespace quadrel_fit {
+
+// One point file's worth of samples.
+struct SampleFile {
+  std::string file;         // file name when saved: "circle.txt"
+  std::string description;  // the true shape, in words, for the file's comment
+  std::string columns;      // header line: "x y z" or "x y quality"
+  PointTable table;
+};
+
+struct SampleShape {
+  ShapeResult truth;  // the true parameters; residuals stay empty
+  SampleFile sample;
+};
+
+struct DemoData {
+  double noise = 0.0;
+  unsigned seed = 0;
+  std::vector<SampleShape> shapes;  // line, plane, circle, sphere, ellipse, paraboloid
+  TrihedralResult trihedralTruth;   // apex, angles, edge angle
+  std::array<SampleFile, 3> faces;
+  std::array<double, 2> peakTruth{};
+  SampleFile peak;
+};
+
+// The samples with noise of standard deviation `noise` on every number, drawn
+// from a generator seeded with `seed`. With noise 0 the points lie on their
+// shapes to rounding.
+DemoData MakeDemoData(double noise, unsigned seed);
+
+// Writes every sample file into directory (made if missing). Numbers are
+// written with 17 significant digits, so they read back exactly.
+void SaveSamples(const DemoData &data, const std::string &directory);
+
+}  // namespace quadrel_fit
+
+#endif  // QUADREL_FIT_SAMPLES_H
