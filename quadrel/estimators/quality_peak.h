@@ -5,6 +5,10 @@
 // the samples; otherwise the function falls back on the best sample, or on a
 // short climb up the surface from it. The return code tells which route gave
 // the position.
+//
+// NaN and infinite input never reaches the fit: it gives code 4 and the best
+// sample. Finite positions whose squares overflow reach it; the result is then
+// not meaningful, but the call ends with a code and a 2 x 1 peak.
 #ifndef QUADREL_ESTIMATORS_QUALITY_PEAK_H
 #define QUADREL_ESTIMATORS_QUALITY_PEAK_H
 

@@ -5,6 +5,10 @@
 // points with PlaneFit, turns the points so that the plane lies flat, fits the
 // circle there and turns its centre back. SphereFit solves the same kind of
 // system directly in space.
+//
+// A NaN or an infinity among the points reaches the solve, and SphereFit then
+// gives NaN in the centre, the radius and every residual, with the usual
+// shapes. CircleFit starts from PlaneFit and shares its handling of such input.
 #ifndef QUADREL_FITTING_CIRCLE_SPHERE_H
 #define QUADREL_FITTING_CIRCLE_SPHERE_H
 

@@ -8,6 +8,10 @@
 // the focal sum: its centre is the mean of the foci, the major axis runs through
 // them, and with c half the focal distance and a half the focal sum the minor
 // semi-axis is sqrt(a*a - c*c).
+//
+// The search ends at its limit of iterations when the costs are NaN, so the fit
+// always returns; on a NaN or an infinity among the points it shares the
+// handling of PlaneFit, from which it starts.
 #ifndef QUADREL_FITTING_ELLIPSE_H
 #define QUADREL_FITTING_ELLIPSE_H
 

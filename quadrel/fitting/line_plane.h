@@ -5,6 +5,11 @@
 // the centred points project most, the plane is normal to the one on which they
 // project least. Directions and normals are unit vectors with the sign that Svd
 // gave them; nothing orients them.
+//
+// A NaN or an infinity among the points, or a scatter that overflows
+// (coordinates beyond about 1e150), leaves no quadratic form that is a number.
+// LineFit then takes its fallback: direction (1, 0, 0) and zero residuals, with
+// the NaN or infinity showing in the centroid.
 #ifndef QUADREL_FITTING_LINE_PLANE_H
 #define QUADREL_FITTING_LINE_PLANE_H
 

@@ -4,6 +4,10 @@
 // section axes of the surface must already run along X and Y. The fit reports
 // it in vertex form,
 //   z = z0 + sign * ((x - x0) / a)^2 + (c2 / |c2|) * ((y - y0) / b)^2.
+//
+// A NaN or an infinity among the points reaches the solve: vertex, a, b and
+// every residual come out NaN, with the usual shapes, and sign is +1.0 (a NaN
+// curvature is not negative).
 #ifndef QUADREL_FITTING_PARABOLOID_H
 #define QUADREL_FITTING_PARABOLOID_H
 

@@ -5,6 +5,12 @@
 // they must form a legal shape (not negative, no 0-row matrix with more than 9
 // columns); a dimension of 0 gives an empty result. Seq and Linspace always
 // give a column vector.
+//
+// Non-finite arguments: Seq with a NaN or infinite quotient gives 0 x 1, and an
+// infinite step over a finite range gives the single element start + 0 * step,
+// NaN. Linspace computes each element from i, so a NaN end gives NaN
+// throughout and an infinite one NaN at i = 0 (0 * inf) and infinities beyond.
+// Diag copies NaN and infinities unchanged.
 #ifndef QUADREL_FUNCTIONS_CONSTRUCTORS_H
 #define QUADREL_FUNCTIONS_CONSTRUCTORS_H
 

@@ -4,6 +4,9 @@
 // Every function leaves its input alone and returns a new matrix. Orientation
 // matters, since point sets are taken apart and joined with these: each
 // function states which index it keeps.
+//
+// NaN and infinities are moved bit for bit like any value. Sort puts NaN after
+// every number, infinities included, and index records where each NaN came from.
 #ifndef QUADREL_FUNCTIONS_REARRANGE_H
 #define QUADREL_FUNCTIONS_REARRANGE_H
 

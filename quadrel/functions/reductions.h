@@ -8,6 +8,11 @@
 //
 // Out-parameters take their shape from the function: a new 1 x 1 in the row
 // case, 1 x c in the column case. Each must be another object than A.
+//
+// NaN and infinities travel through Sum, Mean and Std: a path with a NaN, or
+// with infinities of both signs, gives NaN, and Std gives NaN for any infinity
+// (inf - inf in its deviation). Min, Max, Any, All and Find state their rule
+// below.
 #ifndef QUADREL_FUNCTIONS_REDUCTIONS_H
 #define QUADREL_FUNCTIONS_REDUCTIONS_H
 

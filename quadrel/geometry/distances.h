@@ -12,6 +12,12 @@
 // (1, 1, 0) are about 2.1e-8 apart. Degenerate input (zero directions or
 // normals, lines lying in a plane, coincident planes) is legal and yields what
 // IEEE arithmetic gives, NaN included; nothing reports it.
+//
+// NaN and infinite elements follow the same arithmetic. A NaN point gives a NaN
+// distance, an infinite one NaN or an infinity (0 * inf is NaN). A NaN
+// direction or normal makes Angle pi, as a zero one does: LinePointDist gives
+// 0.0, PlanePointDist NaN, the parallel tests fail and the ...Int functions then
+// write NaN into their outputs, always 3 x 1.
 #ifndef QUADREL_GEOMETRY_DISTANCES_H
 #define QUADREL_GEOMETRY_DISTANCES_H
 

@@ -5,6 +5,11 @@
 // A rotation is a plain 3 x 3 CMatrix; nothing checks that it is orthogonal.
 // Angles are in radians. The two Rotation overloads follow different
 // conventions: Rotation(a, b) equals diag(-1, -1, 1) * Rotation(-b, -a, 0).
+//
+// A NaN or infinite angle makes NaN every element that uses its sine or cosine;
+// the constant elements (the zeros and ones of each factor) stay. Transform and
+// UnTransform carry NaN and infinities through their products: an n x 3 point
+// with a NaN gives a NaN row, the others stay finite.
 #ifndef QUADREL_GEOMETRY_ROTATIONS_H
 #define QUADREL_GEOMETRY_ROTATIONS_H
 

@@ -50,6 +50,12 @@ double Dot(const CMatrix &a, const CMatrix &b) {
 }
 
 double Angle(const CMatrix &a, const CMatrix &b) {
+  // Checked here as well, so that a breach names Angle rather than Dot.
+  QUADREL_EXPECTS(HoldsElements(a, a.GetLength()),
+                  "first vector is " + QuadrelDims(a) + ": it has a length but no elements");
+  QUADREL_EXPECTS(
+      HoldsElements(b, a.GetLength()),
+      "second vector is " + QuadrelDims(b) + ", shorter than the first's " + QuadrelDims(a));
   double c = Dot(a, b) / (Norm2(a) * Norm2(b));
   // Rounding can push the quotient of parallel vectors past +-1, and a zero
   // vector makes it NaN; both must still give an angle.

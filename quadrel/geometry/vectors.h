@@ -9,6 +9,13 @@
 // the polar axis: elevation 0 is the XZ plane and positive elevation turns
 // towards +Y. Azimuth 0 is +Z, and positive azimuth turns from +Z towards -X:
 //   x = -r cos(e) sin(a),  y = r sin(e),  z = r cos(e) cos(a).
+//
+// NaN and infinities travel through the arithmetic: Norm2, Dot and Cross give
+// NaN where a NaN is read or inf - inf or 0 * inf occurs. Angle clamps a NaN
+// cosine to -1, so a NaN or infinite element on either side gives pi, as a zero
+// vector does. The conversions give NaN for a NaN input and for an infinite
+// angle; atan2 sends an infinite coordinate to its axis. In the matrix forms a
+// bad column spoils only itself.
 #ifndef QUADREL_GEOMETRY_VECTORS_H
 #define QUADREL_GEOMETRY_VECTORS_H
 

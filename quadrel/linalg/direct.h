@@ -4,6 +4,12 @@
 // The three share no code. None reports anything: a zero pivot is divided by,
 // so a singular matrix gives infinities or NaN in Lu and Inv and a determinant
 // of 0 or near it.
+//
+// NaN and infinities travel through the arithmetic and come out as NaN: a NaN
+// element makes Det NaN and every element of Inv NaN, and spreads through the
+// columns of L and U it reaches; an infinite pivot turns its column of U NaN
+// (inf - inf, 0 * inf). Every call returns with the shapes of finite input,
+// and P stays a permutation matrix.
 #ifndef QUADREL_LINALG_DIRECT_H
 #define QUADREL_LINALG_DIRECT_H
 

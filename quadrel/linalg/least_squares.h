@@ -4,6 +4,11 @@
 // the pseudo-inverse of the system matrix from Svd, with a rank decision on the
 // singular values, and applies it to the right-hand side. Rank-deficient and
 // singular systems are ordinary input; they give the minimum-norm solution.
+//
+// A NaN or an infinity in A spoils the decomposition and makes all of x NaN; a
+// NaN in column j of b makes column j of x NaN, and an infinity there gives
+// infinite elements (NaN where opposite infinities meet). The call returns
+// with x of the usual shape either way.
 #ifndef QUADREL_LINALG_LEAST_SQUARES_H
 #define QUADREL_LINALG_LEAST_SQUARES_H
 

@@ -3,6 +3,11 @@
 // Coefficient vectors hold the constant term first: p(j) is the coefficient of
 // x to the power j. Polyfit solves its Vandermonde system with Lsq; Polyval
 // sums the powers term by term.
+//
+// A NaN in x or y makes every coefficient of Polyfit NaN (through Lsq), an
+// infinite y gives infinite or NaN coefficients. Polyval carries NaN and
+// infinities by IEEE rules; pow(x, 0) is 1 also for NaN and infinite x, so a
+// constant polynomial stays finite there.
 #ifndef QUADREL_LINALG_POLYNOMIAL_H
 #define QUADREL_LINALG_POLYNOMIAL_H
 

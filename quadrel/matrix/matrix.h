@@ -14,6 +14,10 @@
 // No member tests an index or a shape in a release build: a caller who breaks
 // a stated requirement gets an undefined result. A checked build
 // (QUADREL_CHECKED) stops with a message instead.
+//
+// Elements may be NaN or infinite: storage, copies, assignment, edits and
+// selection move them bit for bit like any other value. An index number that is
+// NaN lies outside every matrix.
 #ifndef QUADREL_MATRIX_MATRIX_H
 #define QUADREL_MATRIX_MATRIX_H
 

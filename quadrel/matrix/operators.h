@@ -10,6 +10,11 @@
 // Every value form walks its result row by row (i outer, j inner) and returns
 // a fresh matrix with the identity column table. Operands are read through
 // element access, so a column order left by SwapCols is respected.
+//
+// NaN and infinities travel through the arithmetic by IEEE rules: an element of
+// a result is NaN where its operands hold a NaN or meet as inf - inf or 0 * inf,
+// and in a product every element whose row of A or column of B holds a NaN is
+// NaN. Masks are always 1.0 or 0.0, never NaN.
 #ifndef QUADREL_MATRIX_OPERATORS_H
 #define QUADREL_MATRIX_OPERATORS_H
 

@@ -13,6 +13,7 @@
 // "[ 1 2; ...\n3 4 ];". A matrix with no rows writes only "[ ". Elements use the
 // stream's own settings; no line feed follows. A 1 x 0 or 0 x 1 matrix must not
 // be passed: it takes the vector form but has no element to write.
+// NaN and infinities are written as the stream writes those doubles.
 QUADREL_API std::ostream &operator<<(std::ostream &stream, const CMatrix &A);
 
 #endif  // QUADREL_MATRIX_STREAM_H

@@ -5,28 +5,86 @@
 
 namespace {
 thread_local std::size_t allocations = 0;
+thread_local long long liveBlocks = 0;
+thread_local bool failureArmed = false;
+thread_local bool failureFired = false;
+// Allocations still allowed before the armed failure; meaningful while armed.
+thread_local std::size_t allowedBeforeFailure = 0;
+
+// True if this allocation is the one that must fail (and disarms the failure).
+bool FailHere() {
+  if (!failureArmed) return false;
+  if (allowedBeforeFailure > 0) {
+    --allowedBeforeFailure;
+    return false;
+  }
+  failureArmed = false;
+  failureFired = true;
+  return true;
+}
+
+void *TryAllocate(std::size_t size) {
+  ++allocations;
+  if (FailHere()) return nullptr;
+  void *p = std::malloc(size == 0 ? 1 : size);
+  if (p) ++liveBlocks;
+  return p;
+}
 
 void *Allocate(std::size_t size) {
-  ++allocations;
-  if (size == 0) size = 1;
-  if (void *p = std::malloc(size)) return p;
+  if (void *p = TryAllocate(size)) return p;
   throw std::bad_alloc();
+}
+
+void Free(void *p) {
+  if (!p) return;
+  --liveBlocks;
+  std::free(p);
 }
 }  // namespace
 
-std::size_t AllocationCount() { return allocations; }
+std::size_t AllocationCount() {
+  return allocations;
+}
+long long LiveBlocks() {
+  return liveBlocks;
+}
 
-void *operator new(std::size_t size) { return Allocate(size); }
-void *operator new[](std::size_t size) { return Allocate(size); }
+void AllocationFailureAfter(std::size_t k) {
+  allowedBeforeFailure = k;
+  failureFired = false;
+  failureArmed = true;
+}
+
+void AllocationFailureOff() {
+  failureArmed = false;
+}
+
+bool AllocationFailureFired() {
+  return failureFired;
+}
+
+void *operator new(std::size_t size) {
+  return Allocate(size);
+}
+void *operator new[](std::size_t size) {
+  return Allocate(size);
+}
 void *operator new(std::size_t size, const std::nothrow_t &) noexcept {
-  ++allocations;
-  return std::malloc(size == 0 ? 1 : size);
+  return TryAllocate(size);
 }
 void *operator new[](std::size_t size, const std::nothrow_t &) noexcept {
-  ++allocations;
-  return std::malloc(size == 0 ? 1 : size);
+  return TryAllocate(size);
 }
-void operator delete(void *p) noexcept { std::free(p); }
-void operator delete[](void *p) noexcept { std::free(p); }
-void operator delete(void *p, std::size_t) noexcept { std::free(p); }
-void operator delete[](void *p, std::size_t) noexcept { std::free(p); }
+void operator delete(void *p) noexcept {
+  Free(p);
+}
+void operator delete[](void *p) noexcept {
+  Free(p);
+}
+void operator delete(void *p, std::size_t) noexcept {
+  Free(p);
+}
+void operator delete[](void *p, std::size_t) noexcept {
+  Free(p);
+}

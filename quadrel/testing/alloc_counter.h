@@ -1,8 +1,16 @@
-// Counting of heap allocations in tests.
+// Counting of heap allocations in tests, and injected allocation failures.
 //
 // The test programs replace the global operator new with one that counts the
 // calls made on the current thread. AllocationCount gives the count so far;
-// tests take the difference around the code they measure.
+// tests take the difference around the code they measure. LiveBlocks counts
+// the blocks handed out and not yet given back on this thread, so that a test
+// can see whether a call, also one that ended in an exception, freed all it
+// took.
+//
+// AllocationFailureAfter(k) arms a single failure on this thread: the next k
+// calls of operator new succeed and the one after throws std::bad_alloc (the
+// nothrow forms return null instead). The failure fires once and disarms
+// itself; AllocationFailureOff disarms it before that.
 #ifndef QUADREL_TESTING_ALLOC_COUNTER_H
 #define QUADREL_TESTING_ALLOC_COUNTER_H
 
@@ -10,6 +18,17 @@
 
 // Number of calls of any global operator new on this thread so far.
 std::size_t AllocationCount();
+
+// Blocks allocated on this thread minus blocks freed on it (null pointers do
+// not count). Only differences mean something.
+long long LiveBlocks();
+
+// Makes the (k + 1)-th operator new from now on, on this thread, fail.
+void AllocationFailureAfter(std::size_t k);
+// Cancels an armed failure that has not fired yet.
+void AllocationFailureOff();
+// True once an armed failure has fired; rearming resets it.
+bool AllocationFailureFired();
 
 // Counts the allocations made while it lives.
 class AllocationScope {

@@ -25,7 +25,8 @@ std::string Describe(const CMatrix &m) {
   out << m.GetRows() << " x " << m.GetCols() << " [";
   for (int i = 0; i < m.GetRows(); ++i) {
     if (i > 0) out << "; ";
-    for (int j = 0; j < m.GetCols(); ++j) out << (j > 0 ? " " : "") << m(i, j);
+    for (int j = 0; j < m.GetCols(); ++j)
+      out << (j > 0 ? " " : "") << m(i, j);
   }
   out << "]";
   return out.str();
@@ -33,23 +34,42 @@ std::string Describe(const CMatrix &m) {
 
 ::testing::AssertionResult SameBits(const CMatrix &a, const CMatrix &b) {
   if (a.GetRows() != b.GetRows() || a.GetCols() != b.GetCols())
-    return ::testing::AssertionFailure() << "shapes differ: " << Describe(a) << " vs " << Describe(b);
+    return ::testing::AssertionFailure()
+           << "shapes differ: " << Describe(a) << " vs " << Describe(b);
   for (int i = 0; i < a.GetRows(); ++i)
     for (int j = 0; j < a.GetCols(); ++j)
       if (std::memcmp(&a(i, j), &b(i, j), sizeof(double)) != 0)
-        return ::testing::AssertionFailure() << "element (" << i << ", " << j << ") differs: "
-                                             << Describe(a) << " vs " << Describe(b);
+        return ::testing::AssertionFailure()
+               << "element (" << i << ", " << j << ") differs: " << Describe(a) << " vs "
+               << Describe(b);
+  return ::testing::AssertionSuccess();
+}
+
+::testing::AssertionResult SameValues(const CMatrix &a, const CMatrix &b) {
+  if (a.GetRows() != b.GetRows() || a.GetCols() != b.GetCols())
+    return ::testing::AssertionFailure()
+           << "shapes differ: " << Describe(a) << " vs " << Describe(b);
+  for (int i = 0; i < a.GetRows(); ++i)
+    for (int j = 0; j < a.GetCols(); ++j) {
+      if (std::isnan(a(i, j)) && std::isnan(b(i, j))) continue;
+      if (std::memcmp(&a(i, j), &b(i, j), sizeof(double)) != 0)
+        return ::testing::AssertionFailure()
+               << "element (" << i << ", " << j << ") differs: " << Describe(a) << " vs "
+               << Describe(b);
+    }
   return ::testing::AssertionSuccess();
 }
 
 ::testing::AssertionResult Near(const CMatrix &a, const CMatrix &b, double tol) {
   if (a.GetRows() != b.GetRows() || a.GetCols() != b.GetCols())
-    return ::testing::AssertionFailure() << "shapes differ: " << Describe(a) << " vs " << Describe(b);
+    return ::testing::AssertionFailure()
+           << "shapes differ: " << Describe(a) << " vs " << Describe(b);
   for (int i = 0; i < a.GetRows(); ++i)
     for (int j = 0; j < a.GetCols(); ++j)
       if (!(std::fabs(a(i, j) - b(i, j)) <= tol))
-        return ::testing::AssertionFailure() << "element (" << i << ", " << j << ") differs by more than "
-                                             << tol << ": " << Describe(a) << " vs " << Describe(b);
+        return ::testing::AssertionFailure()
+               << "element (" << i << ", " << j << ") differs by more than " << tol << ": "
+               << Describe(a) << " vs " << Describe(b);
   return ::testing::AssertionSuccess();
 }
 
@@ -67,7 +87,8 @@ double TestRandom::Uniform(double lo, double hi) {
 
 double TestRandom::Normal() {
   double u = Uniform(0.0, 1.0);
-  while (u <= 0.0) u = Uniform(0.0, 1.0);
+  while (u <= 0.0)
+    u = Uniform(0.0, 1.0);
   const double v = Uniform(0.0, 1.0);
   return std::sqrt(-2.0 * std::log(u)) * std::cos(6.283185307179586 * v);
 }
@@ -75,6 +96,7 @@ double TestRandom::Normal() {
 CMatrix TestRandom::Matrix(int rows, int cols, double lo, double hi) {
   CMatrix m(rows, cols);
   for (int i = 0; i < rows; ++i)
-    for (int j = 0; j < cols; ++j) m(i, j) = Uniform(lo, hi);
+    for (int j = 0; j < cols; ++j)
+      m(i, j) = Uniform(lo, hi);
   return m;
 }

@@ -23,6 +23,9 @@ std::string Describe(const CMatrix &m);
 // Success if a and b have one shape and every element is equal bit for bit
 // (NaN equals NaN of the same bits; -0.0 differs from 0.0).
 ::testing::AssertionResult SameBits(const CMatrix &a, const CMatrix &b);
+// As SameBits, except that any NaN equals any other NaN: for results whose
+// NaN comes from the arithmetic, whose sign bit depends on the operation.
+::testing::AssertionResult SameValues(const CMatrix &a, const CMatrix &b);
 // Success if a and b have one shape and every element differs by at most tol.
 ::testing::AssertionResult Near(const CMatrix &a, const CMatrix &b, double tol);
 
