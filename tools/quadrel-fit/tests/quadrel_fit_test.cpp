@@ -241,9 +241,7 @@ TEST(ShapeCommands, ListResidualsWithTheirSignsAndMeaning) {
   EXPECT_EQ(paraboloid["residuals"]["max_point"], 19);
   EXPECT_GT(paraboloid["residuals"]["values"][18].get<double>(), 0.0);
   EXPECT_EQ(paraboloid["residuals"]["values"].size(), 25u);
-}
 
-TEST(ShapeCommands, CircleResidualOfAPointOnTheAxisIsItsDistanceFromTheCircle) {
   // On the axis the in-plane distance to the centre is 0, which rounding makes
   // negative under a root for these points; the tool must still report the
   // point's distance from the circle.
@@ -291,106 +289,95 @@ TEST(PointInput, ReadsStandardInputWithoutFileOrWithDash) {
                 "a sphere fit needs at least 4 points; <stdin> has 0");
 }
 
-TEST(PointInput, RefusesBadLinesNamingFileLineAndFault) {
-  struct Case {
-    const char *text;
-    const char *message;
+TEST(CommandLine, RefusesBadInputWithAMessageAndStatus2) {
+  auto file = [](const char *name, const std::string &text) {
+    return WriteScratchFile(name, text);
   };
-  const Case cases[] = {
-      {"1 2 3\n4 5\n", ":2: expected 3 numbers (x y z), found 2"},
-      {"1 2 3\n4 5 6 7\n", ":2: expected 3 numbers (x y z), found 4"},
-      {"x y z\n1 2 3\n4 five 6\n", ":3: 'five' is not a number"},
-      {"1 2 3\nx y z\n", ":2: 'x' is not a number"},  // a header only at the top
-      {"1 2 nan\n", ":1: 'nan' is not a finite number"},
-      {"# c\n1 -inf 3\n", ":2: '-inf' is not a finite number"},
-      {"1 2 1e999\n", ":1: '1e999' is too large"},
-      {"1,,2,3\n", ":1: empty field"},
-      {"1 2 3,\n", ":1: empty field"},
-      {"1 2 3x\n", ":1: '3x' is not a number"},
-  };
-  for (const Case &c : cases) {
-    SCOPED_TRACE(c.text);
-    const std::string file = WriteScratchFile("bad.txt", c.text);
-    ExpectRefused(RunTool({"circle", file}), file + c.message);
-  }
-  ExpectRefused(RunTool({"peak", WriteScratchFile("peak-bad.txt", "1 2\n")}),
-                "expected 3 numbers (x y quality), found 2");
-
+  const std::string f1 = Sample("trihedral-1.txt"), f2 = Sample("trihedral-2.txt"),
+                    f3 = Sample("trihedral-3.txt");
   const std::string missing = ScratchDirectory() + "/no-such-file.txt";
-  ExpectRefused(RunTool({"line", missing}), "cannot open " + missing + ": No such file");
-  ExpectRefused(RunTool({"line", ScratchDirectory()}), "it is a directory");
-}
-
-TEST(ShapeCommands, RefuseTooFewPointsForEachShape) {
-  const std::vector<std::vector<double>> few = {{0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {0, 0, 1}};
+  const std::string b1 = file("b1.txt", "1 2 3\n4 5\n"), b2 = file("b2.txt", "1 2 3\n4 5 6 7\n"),
+                    b3 = file("b3.txt", "x y z\n1 2 3\n4 five 6\n"),
+                    b4 = file("b4.txt", "1 2 3\nx y z\n"), b5 = file("b5.txt", "1 2 nan\n"),
+                    b6 = file("b6.txt", "# c\n1 -inf 3\n"), b7 = file("b7.txt", "1 2 1e999\n"),
+                    b8 = file("b8.txt", "1,,2,3\n"), b9 = file("b9.txt", "1 2 3x\n");
+  const std::string same = file("same.txt", Points({{1, 2, 3}, {1, 2, 3}, {1, 2, 3}}));
+  const std::string onLine = file("on-line.txt", "0 0 0\n1 1 1\n2 2 2\n3 3 3\n4 4 4\n5 5 5\n");
+  const std::string flat = file("flat.txt", "0 0 1\n1 0 1\n0 1 1\n1 1 1\n2 3 1\n");
+  const std::string twoX = file("two-x.txt", "0 0 1\n1 0 2\n0 1 3\n1 1 4\n0 2 5\n1 2 6\n");
+  const std::string level = file("level.txt", "0 0 5\n1 0 5\n2 0 5\n0 1 5\n1 1 5\n2 1 5\n0 2 5\n");
+  const std::string short2 = file("short.txt", "0 0 0\n1 0 0\n");
+  const std::string angle = "the edge angle must lie strictly between 0 and 120 degrees";
   const struct {
-    const char *shape;
-    int needed;
-  } shapes[] = {{"line", 2},   {"plane", 3},   {"circle", 3},
-                {"sphere", 4}, {"ellipse", 5}, {"paraboloid", 5}};
-  for (const auto &s : shapes) {
-    SCOPED_TRACE(s.shape);
-    const int given = s.needed - 1;
-    const std::string file = WriteScratchFile(
-        "few.txt", Points(std::vector<std::vector<double>>(few.begin(), few.begin() + given)));
-    const std::string article = std::string(s.shape) == "ellipse" ? "an " : "a ";
-    ExpectRefused(RunTool({s.shape, file}), article + s.shape + " fit needs at least " +
-                                                std::to_string(s.needed) + " points; " + file +
-                                                " has " + std::to_string(given));
+    std::vector<std::string> args;
+    std::string message;
+  } cases[] = {
+      {{"circle", b1}, b1 + ":2: expected 3 numbers (x y z), found 2"},
+      {{"circle", b2}, b2 + ":2: expected 3 numbers (x y z), found 4"},
+      {{"circle", b3}, b3 + ":3: 'five' is not a number"},
+      {{"circle", b4}, b4 + ":2: 'x' is not a number"},  // a header only at the top
+      {{"circle", b5}, b5 + ":1: 'nan' is not a finite number"},
+      {{"circle", b6}, b6 + ":2: '-inf' is not a finite number"},
+      {{"circle", b7}, b7 + ":1: '1e999' is too large"},
+      {{"circle", b8}, b8 + ":1: empty field"},
+      {{"circle", b9}, b9 + ":1: '3x' is not a number"},
+      {{"peak", b1}, "expected 3 numbers (x y quality), found 2"},
+      {{"line", missing}, "cannot open " + missing + ": No such file"},
+      {{"line", ScratchDirectory()}, "it is a directory"},
+      {{"line", same}, "are the same point"},
+      {{"plane", onLine}, "lie on one line"},
+      {{"circle", onLine}, "lie on one line"},
+      {{"ellipse", onLine}, "lie on one line"},
+      {{"sphere", flat}, "lie in one plane"},
+      {{"paraboloid", twoX}, "do not determine a paraboloid"},
+      {{"peak", level}, "there is no peak to find"},
+      {{"peak", file("five.txt", "0 0 1\n1 0 2\n0 1 3\n1 1 4\n2 2 5\n")},
+       "a quality peak search needs at least 6 samples"},
+      {{"cube", Sample("line.txt")}, "unknown shape or command 'cube'"},
+      {{"line", "--frobnicate", Sample("line.txt")}, "--frobnicate"},
+      {{"sphere", "--svg", "x.svg", Sample("sphere.txt")}, "--svg"},
+      {{"demo", "--noise", "-1"}, "--noise"},
+      {{}, ""},
+      {{"trihedral", f1, f2}, ""},
+      {{"trihedral", f1, f2, f3, "--edge-angle", "0"}, angle},
+      {{"trihedral", f1, f2, f3, "--edge-angle", "120"}, angle},
+      {{"trihedral", f1, f2, f3, "--edge-angle", "-5"}, angle},
+      {{"trihedral", f1, f2, f3, "--edge-angle", "right"}, "right"},
+      {{"trihedral", f1, short2, f3},
+       "a trihedral fit needs at least 3 points per face; " + short2 + " has 2"},
+      {{"trihedral", f1, f1, f3}, "do not meet in one point"},
+      {{"trihedral", f1, f3, f2},
+       "come in the wrong order: with their normals turned away from the origin they must form "
+       "a right-handed triple; give them as " +
+           f1 + " " + f2 + " " + f3},
+  };
+  for (const auto &c : cases) {
+    SCOPED_TRACE(c.message);
+    ExpectRefused(RunTool(c.args), c.message);
   }
-}
-
-TEST(ShapeCommands, RefuseDataThatDeterminesNoShape) {
-  const std::string same = WriteScratchFile("same.txt", Points({{1, 2, 3}, {1, 2, 3}, {1, 2, 3}}));
-  ExpectRefused(RunTool({"line", same}), "are the same point");
-  const std::string onLine = WriteScratchFile(
-      "on-line.txt", Points({{0, 0, 0}, {1, 1, 1}, {2, 2, 2}, {3, 3, 3}, {4, 4, 4}, {5, 5, 5}}));
-  for (const char *shape : {"plane", "circle", "ellipse"}) {
-    ExpectRefused(RunTool({shape, onLine}), "lie on one line");
+  // Too few points for each shape, with the count needed and the count given.
+  const std::vector<std::vector<double>> few = {{0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {0, 0, 1}};
+  const std::pair<const char *, int> needs[] = {{"line", 2},   {"plane", 3},   {"circle", 3},
+                                                {"sphere", 4}, {"ellipse", 5}, {"paraboloid", 5}};
+  for (const auto &[shape, needed] : needs) {
+    const std::string path = file("few.txt", Points({few.begin(), few.begin() + needed - 1}));
+    ExpectRefused(RunTool({shape, path}), (shape == std::string("ellipse") ? "an " : "a ") +
+                                              std::string(shape) + " fit needs at least " +
+                                              std::to_string(needed) + " points; " + path +
+                                              " has " + std::to_string(needed - 1));
   }
-  const std::string flat =
-      WriteScratchFile("flat.txt", Points({{0, 0, 1}, {1, 0, 1}, {0, 1, 1}, {1, 1, 1}, {2, 3, 1}}));
-  ExpectRefused(RunTool({"sphere", flat}), "lie in one plane");
-  const std::string twoColumns = WriteScratchFile(
-      "two-x.txt", Points({{0, 0, 1}, {1, 0, 2}, {0, 1, 3}, {1, 1, 4}, {0, 2, 5}, {1, 2, 6}}));
-  ExpectRefused(RunTool({"paraboloid", twoColumns}), "do not determine a paraboloid");
-  const std::string level =
-      WriteScratchFile("level.txt", "0 0 5\n1 0 5\n2 0 5\n0 1 5\n1 1 5\n2 1 5\n0 2 5\n");
-  ExpectRefused(RunTool({"peak", level}), "there is no peak to find");
-  for (const char *shape : {"plane", "circle", "sphere", "ellipse"}) {
+  for (const char *shape : {"plane", "circle", "sphere", "ellipse"})
     EXPECT_EQ(RunTool({shape, same}).err.find("nan"), std::string::npos);
-  }
-}
-
-TEST(CommandLine, RefusesUnknownShapesOptionsAndEdgeAngles) {
-  ExpectRefused(RunTool({"cube", Sample("line.txt")}), "unknown shape or command 'cube'");
-  ExpectRefused(RunTool({"line", "--frobnicate", Sample("line.txt")}), "--frobnicate");
-  ExpectRefused(RunTool({"sphere", "--svg", "x.svg", Sample("sphere.txt")}), "--svg");
-  ExpectRefused(RunTool({}), "");
-  const std::string f1 = Sample("trihedral-1.txt");
-  const std::string f2 = Sample("trihedral-2.txt");
-  const std::string f3 = Sample("trihedral-3.txt");
-  ExpectRefused(RunTool({"trihedral", f1, f2}), "");
-  for (const char *angle : {"0", "120", "130", "-5"}) {
-    ExpectRefused(RunTool({"trihedral", f1, f2, f3, "--edge-angle", angle}),
-                  "the edge angle must lie strictly between 0 and 120 degrees");
-  }
-  ExpectRefused(RunTool({"trihedral", f1, f2, f3, "--edge-angle", "right"}), "right");
 }
 
 TEST(CommandLine, PrintsHelpForEveryCommandAndTheVersion) {
-  const ToolRun version = RunTool({"--version"});
-  EXPECT_EQ(version.status, 0);
-  EXPECT_EQ(version.out.rfind("quadrel-fit ", 0), 0u) << version.out;
+  EXPECT_EQ(RunTool({"--version"}).out.rfind("quadrel-fit ", 0), 0u);
+  EXPECT_NE(RunTool({"--help"}).out.find("trihedral"), std::string::npos);
   for (const char *command : {"line", "plane", "circle", "sphere", "ellipse", "paraboloid",
                               "trihedral", "peak", "demo"}) {
     const ToolRun help = RunTool({command, "--help"});
-    EXPECT_EQ(help.status, 0) << command;
-    EXPECT_NE(help.out.find("--json"), std::string::npos) << command << help.out;
+    EXPECT_TRUE(help.status == 0 && help.out.find("--json") != std::string::npos) << command;
   }
-  const ToolRun help = RunTool({"--help"});
-  EXPECT_EQ(help.status, 0);
-  EXPECT_NE(help.out.find("trihedral"), std::string::npos);
 }
 
 TEST(Trihedral, FitsThreeFacesAndSpellsOutItsStatus) {
@@ -412,121 +399,79 @@ TEST(Trihedral, FitsThreeFacesAndSpellsOutItsStatus) {
   Json wrong = ParseJson(RunTool({"trihedral", "--json", "--edge-angle", "60", f1, f2, f3}));
   EXPECT_TRUE(wrong["status"] == "converged" || wrong["status"] == "step limit reached") << wrong;
   EXPECT_GT(wrong["rms"].get<double>(), 0.01);
-
-  const std::string short2 = WriteScratchFile("short.txt", "0 0 0\n1 0 0\n");
-  ExpectRefused(RunTool({"trihedral", f1, short2, f3}),
-                "a trihedral fit needs at least 3 points per face; " + short2 + " has 2");
-  ExpectRefused(RunTool({"trihedral", f1, f1, f3}), "do not meet in one point");
-  ExpectRefused(RunTool({"trihedral", f1, f3, f2}),
-                "come in the wrong order: with their normals turned away from the origin they "
-                "must form a right-handed triple; give them as " +
-                    f1 + " " + f2 + " " + f3);
 }
 
 TEST(Peak, SpellsOutHowThePeakWasFound) {
-  // The samples of a 7 x 7 grid from -3 to 3 with a quality given by f.
-  auto grid = [](const char *name, double (*f)(double, double)) {
+  // The samples of a 7 x 7 grid from -3 to 3 with quality f(x, y, s), where
+  // s = +-1 as x + y is even or odd.
+  auto grid = [](const char *name, double (*f)(double, double, double)) {
     std::string text = "x y quality\n";
     char line[100];
     for (int i = -3; i <= 3; ++i) {
       for (int j = -3; j <= 3; ++j) {
-        std::snprintf(line, sizeof line, "%d %d %.17g\n", i, j, f(i, j));
+        std::snprintf(line, sizeof line, "%d %d %.17g\n", i, j, f(i, j, (i + j) % 2 ? -1.0 : 1.0));
         text += line;
       }
     }
-    return WriteScratchFile(name, text);
+    return ParseJson(RunTool({"peak", "--json", WriteScratchFile(name, text)}));
   };
   Json inside = ParseJson(RunTool({"peak", "--json", Sample("peak.txt")}));
   ExpectVector(inside["peak"], {0.4, -0.7}, 1e-9);
   EXPECT_EQ(inside["method"], "maximum of the fitted surface");
   EXPECT_EQ(inside["samples"], 49);
-
   // The maximum lies far outside; with no noise the first tested step leaves
   // the band round the best quality.
-  Json far = ParseJson(RunTool({"peak", "--json", grid("far.txt", [](double x, double y) {
-                                  return 100 - (x - 6) * (x - 6) - (y - 1) * (y - 1);
-                                })}));
+  Json far = grid("far.txt", [](double x, double y, double) {
+    return 100 - (x - 6) * (x - 6) - (y - 1) * (y - 1);
+  });
   EXPECT_EQ(far["code"], 5);
   EXPECT_EQ(far["method"], "climb stopped: left the quality band");
   ExpectVector(far["peak"], {3.8, 1.0}, 1e-9);
-
-  // Climbs over a chequered quality, s = +-1 as i + j is even or odd.
-  auto chequered = [](const char *name, double (*f)(double, double, double)) {
-    std::string text;
-    char line[100];
-    for (int i = 0; i < 7; ++i) {
-      for (int j = 0; j < 7; ++j) {
-        std::snprintf(line, sizeof line, "%d %d %.17g\n", i - 3, j - 3,
-                      f(i - 3, j - 3, (i + j) % 2 == 0 ? 1.0 : -1.0));
-        text += line;
-      }
-    }
-    return WriteScratchFile(name, text);
-  };
-  Json beyond = ParseJson(
-      RunTool({"peak", "--json", chequered("beyond.txt", [](double x, double y, double s) {
-                 return 100 - 0.01 * ((x - 6) * (x - 6) + (y - 1) * (y - 1)) + 0.1 * s;
-               })}));
+  Json beyond = grid("beyond.txt", [](double x, double y, double s) {
+    return 100 - 0.01 * ((x - 6) * (x - 6) + (y - 1) * (y - 1)) + 0.1 * s;
+  });
   EXPECT_EQ(beyond["method"], "maximum beyond reach: climbed six steps");
   ExpectVector(beyond["peak"], {5.40, 1.10}, 0.01);
-  Json saddle = ParseJson(
-      RunTool({"peak", "--json", chequered("saddle.txt", [](double x, double y, double s) {
-                 return 100 + 0.005 * (x * x - y * y) + 0.3 * s;
-               })}));
+  Json saddle = grid("saddle.txt", [](double x, double y, double s) {
+    return 100 + 0.005 * (x * x - y * y) + 0.3 * s;
+  });
   EXPECT_EQ(saddle["method"], "surface has no maximum: climbed six steps");
-  Json turn =
-      ParseJson(RunTool({"peak", "--json", chequered("turn.txt", [](double x, double y, double s) {
-                           return 100 + 0.02 * ((x - 0.02) * (x - 0.02) - (y - 1) * (y - 1)) +
-                                  0.6 * s + (x == 0 && y == 0 ? 0.35 : 0.0);
-                         })}));
+  Json turn = grid("turn.txt", [](double x, double y, double s) {
+    return 100 + 0.02 * ((x - 0.02) * (x - 0.02) - (y - 1) * (y - 1)) + 0.6 * s +
+           (x == 0 && y == 0 ? 0.35 : 0.0);
+  });
   EXPECT_EQ(turn["method"], "climb stopped: heading turned more than 70 degrees");
   ExpectVector(turn["peak"], {-0.71, 1.44}, 0.01);
-
-  Json rough = ParseJson(RunTool({"peak", "--json", grid("rough.txt", [](double x, double y) {
-                                    return 100 * std::cos(3 * x) * std::cos(3 * y);
-                                  })}));
+  Json rough = grid("rough.txt", [](double x, double y, double) {
+    return 100 * std::cos(3 * x) * std::cos(3 * y);
+  });
   EXPECT_EQ(rough["code"], 4);
   EXPECT_EQ(rough["method"], "surface does not fit the data: best sample");
   EXPECT_EQ(rough["peak"], rough["best_sample"]["position"]);
-
-  ExpectRefused(
-      RunTool({"peak", WriteScratchFile("five.txt", "0 0 1\n1 0 2\n0 1 3\n1 1 4\n2 2 5\n")}),
-      "a quality peak search needs at least 6 samples");
 }
 
 TEST(Svg, DrawsCircleEllipsePlaneAndPeakPictures) {
-  const struct {
-    const char *command;
-    const char *sample;
-    int points;
-  } pictures[] = {{"circle", "circle.txt", 24},
-                  {"ellipse", "ellipse.txt", 30},
-                  {"plane", "plane.txt", 25},
-                  {"peak", "peak.txt", 49}};
-  for (const auto &p : pictures) {
-    SCOPED_TRACE(p.command);
-    const std::string svg = ScratchDirectory() + "/" + p.command + ".svg";
-    const ToolRun run = RunTool({p.command, "--svg", svg, Sample(p.sample)});
-    ASSERT_EQ(run.status, 0) << run.err;
+  const std::pair<std::string, size_t> pictures[] = {
+      {"circle", 24}, {"ellipse", 30}, {"plane", 25}, {"peak", 49}};
+  for (const auto &[command, points] : pictures) {
+    SCOPED_TRACE(command);
+    const std::string svg = ScratchDirectory() + "/" + command + ".svg";
+    ASSERT_EQ(RunTool({command, "--svg", svg, Sample(command + ".txt")}).status, 0);
     const std::string picture = ReadWholeFile(svg);
     EXPECT_EQ(picture.rfind("<?xml", 0), 0u);
-    EXPECT_NE(picture.find("<svg xmlns=\"http://www.w3.org/2000/svg\""), std::string::npos);
-    const bool peak = p.command == std::string("peak");
-    const std::string title = peak ? "quality peak of " : std::string(p.command) + " fit of ";
-    EXPECT_NE(picture.find(title + Sample(p.sample)), std::string::npos);
+    EXPECT_NE(picture.find(Sample(command + ".txt")), std::string::npos);
     EXPECT_NE(picture.find("</svg>\n"), std::string::npos);
     EXPECT_EQ(picture.find("nan"), std::string::npos);
+    // One mark per point.
+    const std::string mark = command == "plane" ? "<rect x=" : "<circle ";
     size_t marks = 0;
-    const std::string mark = p.command == std::string("plane") ? "<rect x=" : "<circle ";
-    for (size_t at = picture.find(mark); at != std::string::npos; at = picture.find(mark, at + 1)) {
+    for (size_t at = picture.find(mark); at != std::string::npos; at = picture.find(mark, at + 1))
       ++marks;
-    }
-    EXPECT_GE(marks, static_cast<size_t>(p.points));
+    EXPECT_GE(marks, points);
   }
   const ToolRun unwritable =
       RunTool({"circle", "--svg", ScratchDirectory() + "/no/such/dir/c.svg", Sample("circle.txt")});
-  EXPECT_EQ(unwritable.status, 1);
-  EXPECT_EQ(unwritable.out, "");
+  EXPECT_TRUE(unwritable.status == 1 && unwritable.out.empty());
   EXPECT_NE(unwritable.err.find("cannot write"), std::string::npos);
 }
 
@@ -537,7 +482,6 @@ TEST(Demo, FitsEverySampleAndSavesThem) {
        {"line", "plane", "circle", "sphere", "ellipse", "paraboloid", "trihedral", "peak"}) {
     EXPECT_NE(text.out.find(std::string("\n") + name + " "), std::string::npos) << name;
   }
-
   Json demo = ParseJson(RunTool({"demo", "--json"}));
   ASSERT_GE(demo["rows"].size(), 20u);
   for (const Json &row : demo["rows"]) {
@@ -547,31 +491,17 @@ TEST(Demo, FitsEverySampleAndSavesThem) {
       EXPECT_EQ(row["true"], row["fitted"]) << row;
     }
   }
-
-  // Exact samples, saved and read back, give the files shipped as examples,
-  // and JSON numbers read back bit for bit.
+  // Exact samples, saved, give the files shipped as examples to about the last
+  // digit (another maths library may round a sine differently).
   const std::string saved = ScratchDirectory() + "/samples";
-  Json exact = ParseJson(RunTool({"demo", "--json", "--noise", "0", "--save", saved}));
+  ASSERT_EQ(RunTool({"demo", "--noise", "0", "--save", saved}).status, 0);
   for (const char *name : {"ellipse.txt", "trihedral-2.txt", "peak.txt"}) {
-    SCOPED_TRACE(name);
-    // The same numbers to about the last digit; another maths library may round
-    // a sine differently.
     const std::vector<double> made = NumbersOf(ReadWholeFile(saved + "/" + name));
     const std::vector<double> shipped = NumbersOf(ReadWholeFile(Sample(name)));
-    ASSERT_EQ(made.size(), shipped.size());
-    ASSERT_FALSE(made.empty());
+    ASSERT_TRUE(made.size() == shipped.size() && !made.empty()) << name;
     for (size_t i = 0; i < made.size(); ++i)
-      EXPECT_NEAR(made[i], shipped[i], 1e-13);
+      EXPECT_NEAR(made[i], shipped[i], 1e-13) << name;
   }
-  bool sawNormal = false;
-  for (const Json &row : exact["rows"]) {
-    if (row["shape"] == "circle" && row["parameter"] == "normal") {
-      sawNormal = true;
-      EXPECT_EQ(row["true"][0].get<double>(), 1.0 / std::sqrt(3.0));
-    }
-  }
-  EXPECT_TRUE(sawNormal);
-  ExpectRefused(RunTool({"demo", "--noise", "-1"}), "--noise");
 }
 
 TEST(LargeInput, FitsAMillionPointPlaneInOnePass) {
