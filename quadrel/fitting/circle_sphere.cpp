@@ -31,25 +31,43 @@ void CircleFit(const CMatrix &points, CMatrix &centre, CMatrix &normal, double &
   CMatrix c0;
   PlaneFit(points, c0, normal, residuals);
 
-  // R carries the normal onto +Z, so rows 0 and 1 of Q are coordinates in the
-  // plane and row 2 the height along the normal. The points are not centred.
+  // R carries the normal onto +Z, so rows 0 and 1 of Q = R * points are
+  // coordinates in the plane and row 2 the height along the normal. The points
+  // are not centred. Q is not stored: its column i is formed where it is
+  // needed, as the product forms it (acc = R(r, k) * point(k) + acc in rising k
+  // from 0.0), which gives the same numbers both times.
   const CMatrix t = Cart2Sph(normal);
   const CMatrix R = Rotation(t(1), t(2));
-  const CMatrix Q = R * points;
+  double r[3][3];
+  for (int i = 0; i < 3; ++i)
+    for (int k = 0; k < 3; ++k)
+      r[i][k] = R(i, k);
+  const double *const *p = CMatrixAccess::Table(points);
+  auto turn = [&r, p](int i, double q[3]) {
+    const double *point = p[i];
+    for (int row = 0; row < 3; ++row) {
+      double acc = r[row][0] * point[0] + 0.0;
+      acc = r[row][1] * point[1] + acc;
+      q[row] = r[row][2] * point[2] + acc;
+    }
+  };
 
   const int n = points.GetCols();
-  CMatrix D(0.0, n, 3);
-  CMatrix b(0.0, n, 1);
+  CMatrix D(n, 3);
+  CMatrix b(n, 1);
+  double *d0 = CMatrixAccess::Col(D, 0);
+  double *d1 = CMatrixAccess::Col(D, 1);
+  double *d2 = CMatrixAccess::Col(D, 2);
+  double *rhs = CMatrixAccess::Col(b, 0);
   double zmean = 0.0;
   for (int i = 0; i < n; ++i) {
-    const double x = CMatrixAccess::At(Q, 0, i);
-    const double y = CMatrixAccess::At(Q, 1, i);
-    const double z = CMatrixAccess::At(Q, 2, i);
-    CMatrixAccess::At(D, i, 0) = 1.0;
-    CMatrixAccess::At(D, i, 1) = 2.0 * x;
-    CMatrixAccess::At(D, i, 2) = 2.0 * y;
-    CMatrixAccess::At(b, i, 0) = x * x + y * y;
-    zmean += z;
+    double q[3];
+    turn(i, q);
+    d0[i] = 1.0;
+    d1[i] = 2.0 * q[0];
+    d2[i] = 2.0 * q[1];
+    rhs[i] = q[0] * q[0] + q[1] * q[1];
+    zmean += q[2];
   }
   zmean /= n;
 
@@ -60,19 +78,28 @@ void CircleFit(const CMatrix &points, CMatrix &centre, CMatrix &normal, double &
 
   // The centre in the turned frame sits at the mean height of the points, so it
   // lies in the fitted plane.
+  const double centreAt[3] = {a(1), a(2), zmean};
   CMatrix c(3, 1);
-  c(0) = a(1);
-  c(1) = a(2);
-  c(2) = zmean;
+  for (int k = 0; k < 3; ++k)
+    c(k) = centreAt[k];
   centre = Transpose(R) * c;
 
+  double *residual = CMatrixAccess::Col(residuals, 0);
   for (int i = 0; i < n; ++i) {
-    const double p = residuals(i);
-    const double d = Norm2(Col(Q, i) - c);
-    // sqrt(d*d - p*p) is the distance to the centre within the plane; on the
-    // axis of the circle it can round below 0 and give NaN.
-    const double e = radius - std::sqrt(d * d - p * p);
-    residuals(i) = std::sqrt(p * p + e * e);
+    const double plane = residual[i];
+    double q[3];
+    turn(i, q);
+    // d = Norm2(Col(Q, i) - c): a sum of squares from 0.0 in rising index.
+    double sum = 0.0;
+    for (int k = 0; k < 3; ++k) {
+      const double difference = q[k] - centreAt[k];
+      sum += difference * difference;
+    }
+    const double d = std::sqrt(sum);
+    // sqrt(d*d - plane*plane) is the distance to the centre within the plane;
+    // on the axis of the circle it can round below 0 and give NaN.
+    const double e = radius - std::sqrt(d * d - plane * plane);
+    residual[i] = std::sqrt(plane * plane + e * e);
   }
 }
 
@@ -86,27 +113,43 @@ void SphereFit(const CMatrix &points, CMatrix &centre, double &radius, CMatrix &
   const int n = points.GetCols();
   CMatrix D(n, 4);
   CMatrix b(n, 1);
+  double *d0 = CMatrixAccess::Col(D, 0);
+  double *d1 = CMatrixAccess::Col(D, 1);
+  double *d2 = CMatrixAccess::Col(D, 2);
+  double *d3 = CMatrixAccess::Col(D, 3);
+  double *rhs = CMatrixAccess::Col(b, 0);
   for (int i = 0; i < n; ++i) {
-    const double x = CMatrixAccess::At(points, 0, i);
-    const double y = CMatrixAccess::At(points, 1, i);
-    const double z = CMatrixAccess::At(points, 2, i);
-    CMatrixAccess::At(D, i, 0) = 1.0;
-    CMatrixAccess::At(D, i, 1) = 2.0 * x;
-    CMatrixAccess::At(D, i, 2) = 2.0 * y;
-    CMatrixAccess::At(D, i, 3) = 2.0 * z;
-    CMatrixAccess::At(b, i, 0) = x * x + y * y + z * z;
+    const double *point = CMatrixAccess::Col(points, i);
+    const double x = point[0];
+    const double y = point[1];
+    const double z = point[2];
+    d0[i] = 1.0;
+    d1[i] = 2.0 * x;
+    d2[i] = 2.0 * y;
+    d3[i] = 2.0 * z;
+    rhs[i] = x * x + y * y + z * z;
   }
 
   CMatrix a;
   Lsq(D, b, a);
   radius = std::sqrt(AbsRef(a(0) + a(1) * a(1) + a(2) * a(2) + a(3) * a(3)));
 
-  centre.Resize(3, 1);
-  centre(0) = a(1);
-  centre(1) = a(2);
-  centre(2) = a(3);
+  const double centreAt[3] = {a(1), a(2), a(3)};
+  CMatrixAccess::Reshape(centre, 3, 1);
+  for (int k = 0; k < 3; ++k)
+    centre(k) = centreAt[k];
 
-  residuals.Resize(1, n);
-  for (int i = 0; i < n; ++i)
-    residuals(i) = Norm2(Col(points, i) - centre) - radius;
+  // residuals(i) = Norm2(Col(points, i) - centre) - radius, with the norm's sum
+  // of squares from 0.0 in rising index.
+  CMatrixAccess::Reshape(residuals, 1, n);
+  double *const *residual = CMatrixAccess::Table(residuals);
+  const double *const *p = CMatrixAccess::Table(points);
+  for (int i = 0; i < n; ++i) {
+    double sum = 0.0;
+    for (int k = 0; k < 3; ++k) {
+      const double difference = p[i][k] - centreAt[k];
+      sum += difference * difference;
+    }
+    residual[i][0] = std::sqrt(sum) - radius;
+  }
 }

@@ -9,7 +9,9 @@
 // A NaN or an infinity among the points, or a scatter that overflows
 // (coordinates beyond about 1e150), leaves no quadratic form that is a number.
 // LineFit then takes its fallback: direction (1, 0, 0) and zero residuals, with
-// the NaN or infinity showing in the centroid.
+// the NaN or infinity showing in the centroid. PlaneFit takes column 0 of the
+// singular vectors as normal, as for coincident points; its centroid, and
+// residuals that are NaN or infinite, show what happened.
 #ifndef QUADREL_FITTING_LINE_PLANE_H
 #define QUADREL_FITTING_LINE_PLANE_H
 

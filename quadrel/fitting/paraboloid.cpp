@@ -20,15 +20,20 @@ void ParaboloidFit(const CMatrix &points, CMatrix &vertex, double &a, double &b,
   const int n = points.GetCols();
   CMatrix D(n, 5);
   CMatrix z(n, 1);
+  double *d[5];
+  for (int j = 0; j < 5; ++j)
+    d[j] = CMatrixAccess::Col(D, j);
+  double *rhs = CMatrixAccess::Col(z, 0);
   for (int i = 0; i < n; ++i) {
-    const double x = CMatrixAccess::At(points, 0, i);
-    const double y = CMatrixAccess::At(points, 1, i);
-    CMatrixAccess::At(D, i, 0) = x * x;
-    CMatrixAccess::At(D, i, 1) = 2.0 * x;
-    CMatrixAccess::At(D, i, 2) = y * y;
-    CMatrixAccess::At(D, i, 3) = 2.0 * y;
-    CMatrixAccess::At(D, i, 4) = 1.0;
-    CMatrixAccess::At(z, i, 0) = CMatrixAccess::At(points, 2, i);
+    const double *point = CMatrixAccess::Col(points, i);
+    const double x = point[0];
+    const double y = point[1];
+    d[0][i] = x * x;
+    d[1][i] = 2.0 * x;
+    d[2][i] = y * y;
+    d[3][i] = 2.0 * y;
+    d[4][i] = 1.0;
+    rhs[i] = point[2];
   }
 
   CMatrix c;
@@ -44,16 +49,18 @@ void ParaboloidFit(const CMatrix &points, CMatrix &vertex, double &a, double &b,
   b = std::sqrt(1.0 / AbsRef(c2));
   sign = SignRef(c0);
 
-  vertex.Resize(3, 1);
+  CMatrixAccess::Reshape(vertex, 3, 1);
   vertex(0) = -c1 / c0;
   vertex(1) = -c3 / c2;
   vertex(2) = (c4 - c1 * c1 / c0) - c3 * c3 / c2;
 
-  residuals.Resize(1, n);
+  CMatrixAccess::Reshape(residuals, 1, n);
+  double *const *residual = CMatrixAccess::Table(residuals);
   for (int i = 0; i < n; ++i) {
-    const double x = CMatrixAccess::At(points, 0, i);
-    const double y = CMatrixAccess::At(points, 1, i);
-    const double zi = CMatrixAccess::At(points, 2, i);
-    residuals(i) = zi - x * c0 * x - 2.0 * c1 * x - y * c2 * y - 2.0 * c3 * y - c4;
+    const double *point = CMatrixAccess::Col(points, i);
+    const double x = point[0];
+    const double y = point[1];
+    const double zi = point[2];
+    residual[i][0] = zi - x * c0 * x - 2.0 * c1 * x - y * c2 * y - 2.0 * c3 * y - c4;
   }
 }

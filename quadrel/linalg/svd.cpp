@@ -10,31 +10,25 @@
 
 namespace {
 
-// Row arrays for SvdCore in two allocations, whatever the row count: one block
-// for all elements and one table of row pointers into it. Rows of A come first;
-// rows beyond A's row count are zero.
+// Row arrays for SvdCore: one block for all elements and one table of row
+// pointers into it, kept on the stack when small enough (so a 3 x 3
+// decomposition needs no heap at all) and otherwise two allocations, whatever
+// the row count. With a source, its rows come first and rows beyond its row
+// count are zero; without one the elements are left unset.
 class RowArrays {
  public:
-  RowArrays(const CMatrix &A, int rows, int cols)
-      : data_(static_cast<double *>(::operator new(sizeof(double) * Count(rows, cols)))),
-        table_(nullptr) {
-    try {
-      table_ = static_cast<double **>(::operator new(sizeof(double *) * Count(rows, 1)));
-    } catch (...) {
-      ::operator delete(data_);
-      throw;
-    }
+  RowArrays(int rows, int cols) { Allocate(rows, cols); }
+  RowArrays(const CMatrix &A, int rows, int cols) {
+    Allocate(rows, cols);
     const int given = A.GetRows();
-    for (int i = 0; i < rows; ++i) {
-      double *row = data_ + static_cast<std::ptrdiff_t>(i) * cols;
-      table_[i] = row;
+    const double *const *column = CMatrixAccess::Table(A);
+    for (int i = 0; i < rows; ++i)
       for (int j = 0; j < cols; ++j)
-        row[j] = i < given ? CMatrixAccess::At(A, i, j) : 0.0;
-    }
+        table_[i][j] = i < given ? column[j][i] : 0.0;
   }
   ~RowArrays() {
-    ::operator delete(table_);
-    ::operator delete(data_);
+    if (table_ != localTable_) ::operator delete(table_);
+    if (data_ != localData_) ::operator delete(data_);
   }
   RowArrays(const RowArrays &) = delete;
   RowArrays &operator=(const RowArrays &) = delete;
@@ -42,27 +36,54 @@ class RowArrays {
   double **Rows() { return table_; }
 
  private:
-  static std::size_t Count(int rows, int cols) {
-    return static_cast<std::size_t>(rows) * static_cast<std::size_t>(cols);
+  static constexpr int kLocalRows = 8;
+  static constexpr int kLocalData = 64;
+
+  void Allocate(int rows, int cols) {
+    const std::size_t count = static_cast<std::size_t>(rows) * static_cast<std::size_t>(cols);
+    data_ = localData_;
+    table_ = localTable_;
+    // Local storage only for a few rows, so that every longer matrix makes the
+    // same two allocations.
+    if (rows > kLocalRows || count > kLocalData)
+      data_ = static_cast<double *>(::operator new(sizeof(double) * count));
+    if (rows > kLocalRows) {
+      try {
+        table_ = static_cast<double **>(
+            ::operator new(sizeof(double *) * static_cast<std::size_t>(rows)));
+      } catch (...) {
+        if (data_ != localData_) ::operator delete(data_);
+        throw;
+      }
+    }
+    for (int i = 0; i < rows; ++i)
+      table_[i] = data_ + static_cast<std::ptrdiff_t>(i) * cols;
   }
 
   double *data_;
   double **table_;
+  double localData_[kLocalData];
+  double *localTable_[kLocalRows];
 };
 
-// A block of doubles freed on every way out.
+// A block of doubles, on the stack when small; freed on every way out.
 class Values {
  public:
   explicit Values(int count)
-      : data_(static_cast<double *>(
-            ::operator new(sizeof(double) * static_cast<std::size_t>(count)))) {}
-  ~Values() { ::operator delete(data_); }
+      : data_(count <= kLocal ? local_
+                              : static_cast<double *>(::operator new(
+                                    sizeof(double) * static_cast<std::size_t>(count)))) {}
+  ~Values() {
+    if (data_ != local_) ::operator delete(data_);
+  }
   Values(const Values &) = delete;
   Values &operator=(const Values &) = delete;
 
   double *Data() { return data_; }
 
  private:
+  static constexpr int kLocal = 8;
+  double local_[kLocal];
   double *data_;
 };
 
@@ -77,10 +98,10 @@ double Svd(const CMatrix &A, CMatrix &U, CMatrix &S, CMatrix &V) {
   // changes no singular value and adds only zero rows to U.
   const int rows = m < n ? n : m;
 
-  // v gets A's values as well, although they serve nothing: every element of
-  // its leading n x n block is written before it is read.
+  // v needs only its leading n x n block, and every element of it is written
+  // before it is read, so it starts unset.
   RowArrays a(A, rows, n);
-  RowArrays v(A, rows, n);
+  RowArrays v(n, n);
   Values w(n);
 
   const double r = SvdCore(a.Rows(), rows, n, w.Data(), v.Rows());

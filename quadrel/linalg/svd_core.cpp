@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <new>
 
+#include "quadrel/matrix/access.h"
 #include "quadrel/matrix/scalar.h"
 
 double StableHypot(double a, double b) {
@@ -26,15 +27,324 @@ double MaxDouble(double a, double b) {
   return a > b ? a : b;
 }
 
+namespace {
+
+// Doubles on the stack when few are needed, on the heap otherwise; freed on
+// every way out.
+template <std::size_t kLocal>
+class Scratch {
+ public:
+  explicit Scratch(std::size_t count)
+      : data_(count <= kLocal ? local_
+                              : static_cast<double *>(::operator new(sizeof(double) * count))) {}
+  ~Scratch() {
+    if (data_ != local_) ::operator delete(data_);
+  }
+  Scratch(const Scratch &) = delete;
+  Scratch &operator=(const Scratch &) = delete;
+
+  double *Data() { return data_; }
+
+ private:
+  double local_[kLocal];
+  double *data_;
+};
+
+// The plane rotations that the diagonalisation applies to a. a is only written
+// there, never read, so its rotations are collected and applied later: every
+// element still goes through the same rotations in the same order, but a tall
+// a is walked once per batch instead of once per rotation. A batch goes over
+// blocks of kBlock rows, copied column by column into a small buffer where each
+// rotation turns two rows at once.
+class RotationQueue {
+ public:
+  static constexpr int kBlock = 16;
+
+  // buffer holds kBlock * n doubles.
+  RotationQueue(double **a, int m, double *buffer)
+      : a_(a), m_(m), buffer_(buffer), count_(0), low_(0), high_(0) {}
+
+  // Columns first and second (counted from 1) become
+  // (first * cs + second * sn, second * cs - first * sn).
+  void Add(int first, int second, double cs, double sn) {
+    if (count_ == kCapacity) Flush();
+    Rotation &r = queue_[count_++];
+    r.first = first - 1;
+    r.second = second - 1;
+    r.cs = cs;
+    r.sn = sn;
+    const int lo = r.first < r.second ? r.first : r.second;
+    const int hi = r.first < r.second ? r.second : r.first;
+    if (count_ == 1 || lo < low_) low_ = lo;
+    if (count_ == 1 || hi > high_) high_ = hi;
+  }
+
+  void Flush() {
+    if (count_ == 0) return;
+    int row = 0;
+    for (; row + kBlock <= m_; row += kBlock) {
+      // Only the columns that the batch touches, low_ .. high_.
+      for (int r = 0; r < kBlock; ++r) {
+        const double *x = a_[row + r];
+        for (int c = low_; c <= high_; ++c)
+          buffer_[(c - low_) * kBlock + r] = x[c];
+      }
+      for (int t = 0; t < count_; ++t) {
+        const Rotation &rotation = queue_[t];
+        double *first = buffer_ + (rotation.first - low_) * kBlock;
+        double *second = buffer_ + (rotation.second - low_) * kBlock;
+        const DoublePair cs = SplatPair(rotation.cs);
+        const DoublePair sn = SplatPair(rotation.sn);
+        for (int r = 0; r < kBlock; r += 2) {
+          const DoublePair p = LoadPair(first + r);
+          const DoublePair q = LoadPair(second + r);
+          StorePair(first + r, p * cs + q * sn);
+          StorePair(second + r, q * cs - p * sn);
+        }
+      }
+      for (int r = 0; r < kBlock; ++r) {
+        double *x = a_[row + r];
+        for (int c = low_; c <= high_; ++c)
+          x[c] = buffer_[(c - low_) * kBlock + r];
+      }
+    }
+    for (; row < m_; ++row) {
+      double *x = a_[row];
+      for (int t = 0; t < count_; ++t) {
+        const Rotation &rotation = queue_[t];
+        const double p = x[rotation.first];
+        const double q = x[rotation.second];
+        x[rotation.first] = p * rotation.cs + q * rotation.sn;
+        x[rotation.second] = q * rotation.cs - p * rotation.sn;
+      }
+    }
+    count_ = 0;
+  }
+
+ private:
+  struct Rotation {
+    int first;
+    int second;
+    double cs;
+    double sn;
+  };
+  static constexpr int kCapacity = 64;
+
+  double **a_;
+  int m_;
+  double *buffer_;
+  int count_;
+  int low_;
+  int high_;
+  Rotation queue_[kCapacity];
+};
+
+// sums[j] = sum of a[k][i] * a[k][j] over k = first..last, from 0.0 in rising
+// k, for the kCount columns j = j0 .. j0 + kCount - 1 (all counted from 1), in
+// one walk down the rows with the sums held in registers.
+template <int kCount>
+void ColumnDots(double **a, int first, int last, int i, int j0, double *sums) {
+  double s[kCount];
+  for (int t = 0; t < kCount; ++t)
+    s[t] = 0.0;
+  for (int k = first; k <= last; ++k) {
+    const double *ak = a[k - 1];
+    const double aki = ak[i - 1];
+    for (int t = 0; t < kCount; ++t)
+      s[t] += aki * ak[j0 - 1 + t];
+  }
+  for (int t = 0; t < kCount; ++t)
+    sums[j0 + t] = s[t];
+}
+
+// The same for every column j = l..n, four columns per walk.
+void ColumnDots(double **a, int first, int last, int i, int l, int n, double *sums) {
+  int j0 = l;
+  for (; j0 + 3 <= n; j0 += 4)
+    ColumnDots<4>(a, first, last, i, j0, sums);
+  switch (n - j0 + 1) {
+    case 3:
+      ColumnDots<3>(a, first, last, i, j0, sums);
+      break;
+    case 2:
+      ColumnDots<2>(a, first, last, i, j0, sums);
+      break;
+    case 1:
+      ColumnDots<1>(a, first, last, i, j0, sums);
+      break;
+    default:
+      break;
+  }
+}
+
+// a[k][i] = a[k][i] / scale for k = first..last (counted from 1), and the sum
+// of the squares of the new values from 0.0 in rising k. Two rows share one
+// division instruction; the sum still takes its terms one by one.
+double NormaliseColumn(double **a, int first, int last, int i, double scale) {
+  const DoublePair divisor = SplatPair(scale);
+  double s = 0.0;
+  int k = first;
+  for (; k < last; k += 2) {
+    double &x0 = a[k - 1][i - 1];
+    double &x1 = a[k][i - 1];
+    const DoublePair quotient = MakePair(x0, x1) / divisor;
+    const DoublePair square = quotient * quotient;
+    x0 = Lane0(quotient);
+    x1 = Lane1(quotient);
+    s += Lane0(square);
+    s += Lane1(square);
+  }
+  if (k == last) {
+    double &x = a[k - 1][i - 1];
+    x = x / scale;
+    s += x * x;
+  }
+  return s;
+}
+
+// The walk over rows l..m of one Householder pass (counted from 1, l = i + 1):
+// the column update a[j][c] += factors[c] * a[j][i] for c = l..n with the
+// rescaling of a[j][i] (if column), then the row transform with row i and e (if
+// row): t = sum of a[j][c] * a[i][c], a[j][c] += t * e[c]; and the sum of
+// |a[j][l]| (if sumNext), returned. kCount is n - l + 1 when known, else 0.
+template <int kCount>
+double HouseholderRows(double **a, int i, int m, int n, bool column, const double *factors,
+                       double columnScale, bool row, const double *e, bool sumNext) {
+  const int l = i + 1;
+  const int count = kCount > 0 ? kCount : n - l + 1;
+  // Fixed counts keep the factors, row i and e in registers.
+  double f[kCount > 0 ? kCount : 1];
+  double ri[kCount > 0 ? kCount : 1];
+  double ek[kCount > 0 ? kCount : 1];
+  const double *ai = a[i - 1] + (l - 1);
+  if (kCount > 0) {
+    for (int t = 0; t < kCount; ++t) {
+      f[t] = column ? factors[l + t] : 0.0;
+      ri[t] = row ? ai[t] : 0.0;
+      ek[t] = row ? e[l + t] : 0.0;
+    }
+  }
+  auto factor = [&](int t) { return kCount > 0 ? f[t] : factors[l + t]; };
+  auto rowI = [&](int t) { return kCount > 0 ? ri[t] : ai[t]; };
+  auto eAt = [&](int t) { return kCount > 0 ? ek[t] : e[l + t]; };
+  double next = 0.0;
+  for (int j = l; j <= m; ++j) {
+    double *aj = a[j - 1];
+    double *tail = aj + (l - 1);
+    if (column) {
+      const double aji = aj[i - 1];
+      for (int t = 0; t < count; ++t)
+        tail[t] += factor(t) * aji;
+      aj[i - 1] = columnScale * aji;
+    }
+    if (row) {
+      double s = 0.0;
+      for (int t = 0; t < count; ++t)
+        s += tail[t] * rowI(t);
+      for (int t = 0; t < count; ++t)
+        tail[t] += s * eAt(t);
+    }
+    if (sumNext) next += std::fabs(tail[0]);
+  }
+  return next;
+}
+
+// The walk over rows i..m (counted from 1) of one pass of the left-hand
+// accumulation. With update: a[k][j] += factors[j] * a[k][i] for j = i + 1..n,
+// then a[k][i] = g * a[k][i]; without: a[k][i] = 0. Then a[i][i] += 1 once row
+// i is done. With dotsNext the walk also forms the sums of the next pass (for
+// column i - 1, over the same rows, whose elements are final once their row is
+// done): sums[j] = sum of a[k][i - 1] * a[k][j] for j = i..n, from 0.0 in
+// rising k. kCount is n - i when fixed, or -1.
+template <int kCount>
+void AccumulateRows(double **a, int i, int m, int n, bool update, const double *factors, double g,
+                    bool dotsNext, double *sums) {
+  constexpr bool kFixed = kCount >= 0;
+  constexpr int kSize = kFixed ? kCount + 1 : 1;
+  const int l = i + 1;
+  const int count = kFixed ? kCount : n - i;
+  // Fixed counts keep the factors and the sums in registers.
+  double f[kSize];
+  double s[kSize];
+  if (kFixed) {
+    for (int t = 0; t < kSize; ++t) {
+      f[t] = update && t < count ? factors[l + t] : 0.0;
+      s[t] = 0.0;
+    }
+  } else if (dotsNext) {
+    for (int t = 0; t <= count; ++t)
+      sums[i + t] = 0.0;
+  }
+  auto walk = [&](double *ak) {
+    if (update) {
+      double *tail = ak + (l - 1);
+      const double aki = ak[i - 1];
+      for (int t = 0; t < count; ++t)
+        tail[t] += (kFixed ? f[t] : factors[l + t]) * aki;
+      ak[i - 1] = g * aki;
+    } else {
+      ak[i - 1] = 0.0;
+    }
+  };
+  auto dots = [&](const double *ak) {
+    const double left = ak[i - 2];
+    const double *from = ak + (i - 1);
+    for (int t = 0; t <= count; ++t) {
+      if (kFixed)
+        s[t] += left * from[t];
+      else
+        sums[i + t] += left * from[t];
+    }
+  };
+  double *ai = a[i - 1];
+  walk(ai);
+  ai[i - 1] = ai[i - 1] + 1.0;
+  if (dotsNext) dots(ai);
+  if (dotsNext) {
+    for (int k = i + 1; k <= m; ++k) {
+      double *ak = a[k - 1];
+      walk(ak);
+      dots(ak);
+    }
+  } else {
+    for (int k = i + 1; k <= m; ++k)
+      walk(a[k - 1]);
+  }
+  if (kFixed && dotsNext) {
+    for (int t = 0; t <= count; ++t)
+      sums[i + t] = s[t];
+  }
+}
+
+}  // namespace
+
+// The passes over the rows of a are fused where the steps allow it: loops over
+// different columns j that each run k upward become one walk down the rows in
+// which every column keeps its own sum or update, and a sum that the next pass
+// needs is taken in the walk that leaves its elements final. Each sum still
+// adds its terms in rising k from 0.0, and every element sees the same
+// operations in the same order as in one loop per column; only operations on
+// different elements change places. The m rows are then walked a few times per
+// column instead of a few times per pair of columns, and the rotations of the
+// diagonalisation once per batch (RotationQueue).
 double SvdCore(double **a, int m, int n, double *w, double **v) {
   // The algorithm is written with indices that count from 1; these accessors
   // map them onto the arrays, which count from 0. Entry 0 of e is never used,
-  // so e is addressed directly.
+  // so e is addressed directly. The fused loops take a row pointer once per
+  // row: row(k)[c - 1] is element (k, c).
   auto A = [a](int r, int c) -> double & { return a[r - 1][c - 1]; };
   auto V = [v](int r, int c) -> double & { return v[r - 1][c - 1]; };
   auto W = [w](int i) -> double & { return w[i - 1]; };
-  double *e =
-      static_cast<double *>(::operator new(sizeof(double) * static_cast<std::size_t>(n + 1)));
+  auto row = [a](int r) { return a[r - 1]; };
+
+  // e, then the per-column sums and factors of the fused passes, indexed like e.
+  // The rotation queue's block buffer follows them.
+  const std::size_t entries = static_cast<std::size_t>(n) + 1;
+  Scratch<160> scratch(3 * entries + RotationQueue::kBlock * static_cast<std::size_t>(n));
+  double *e = scratch.Data();
+  double *sums = e + entries;
+  double *factors = sums + entries;
+  double *block = factors + entries;
 
   // B bounds the norm of the bidiagonal form and is the scale of every
   // convergence test: t counts as zero when adding it to B changes nothing. A
@@ -52,66 +362,109 @@ double SvdCore(double **a, int m, int n, double *w, double **v) {
   int l = 0;
 
   // Householder reduction to upper bidiagonal form. g and scale carry over from
-  // the row transform of one pass into e[i] of the next.
+  // the row transform of one pass into e[i] of the next. The scale sum of
+  // column i is taken, when it can be, in the walk of pass i - 1 that leaves
+  // the column final (nextScale).
+  bool haveNextScale = false;
+  double nextScale = 0.0;
   for (int i = 1; i <= n; ++i) {
     l = i + 1;
     e[i] = scale * g;
     g = s = scale = 0.0;
+    bool columnDone = false;
+    double columnScale = 0.0;
     if (i <= m) {
-      for (int k = i; k <= m; ++k)
-        scale += std::fabs(A(k, i));
+      if (haveNextScale) {
+        scale = nextScale;
+      } else {
+        for (int k = i; k <= m; ++k)
+          scale += std::fabs(A(k, i));
+      }
       if (scale != 0.0) {
-        for (int k = i; k <= m; ++k) {
-          A(k, i) = A(k, i) / scale;
-          s += A(k, i) * A(k, i);
-        }
+        s = NormaliseColumn(a, i, m, i, scale);
         f = A(i, i);
         g = -TransferSign(std::sqrt(s), f);
         h = f * g - s;
         A(i, i) = f - g;
-        for (int j = l; j <= n; ++j) {
-          s = 0.0;
-          for (int k = i; k <= m; ++k)
-            s += A(k, i) * A(k, j);
-          f = s / h;
-          for (int k = i; k <= m; ++k)
-            A(k, j) += f * A(k, i);
-        }
-        for (int k = i; k <= m; ++k)
-          A(k, i) = scale * A(k, i);
+        // s = sum of a[k][i] * a[k][j] over k = i..m, for every j = l..n.
+        ColumnDots(a, i, m, i, l, n, sums);
+        for (int j = l; j <= n; ++j)
+          factors[j] = sums[j] / h;
+        columnDone = true;
+        columnScale = scale;
       }
     }
+    haveNextScale = false;
     W(i) = scale * g;
     g = s = scale = 0.0;
-    if (i <= m && i != n) {
-      for (int k = l; k <= n; ++k)
-        scale += std::fabs(A(i, k));
-      if (scale != 0.0) {
-        for (int k = l; k <= n; ++k) {
-          A(i, k) = A(i, k) / scale;
-          s += A(i, k) * A(i, k);
-        }
-        f = A(i, l);
-        g = -TransferSign(std::sqrt(s), f);
-        h = f * g - s;
-        A(i, l) = f - g;
-        // Scratch use of e: each of these entries is overwritten by a later pass.
+    const bool rowTransform = i <= m && i != n;
+    if (columnDone || rowTransform) {
+      // One walk over rows i..m: the column update a[k][j] += f_j * a[k][i] and
+      // the rescaling of a[k][i]; for row i then the set-up of the row
+      // transform, and for every later row its update and the scale sum of the
+      // next column, whose elements are final once their row is done.
+      double *ai = row(i);
+      if (columnDone) {
+        const double aii = ai[i - 1];
+        for (int j = l; j <= n; ++j)
+          ai[j - 1] += factors[j] * aii;
+        ai[i - 1] = columnScale * aii;
+      }
+      bool rowActive = false;
+      if (rowTransform) {
         for (int k = l; k <= n; ++k)
-          e[k] = A(i, k) / h;
-        for (int j = l; j <= m; ++j) {
-          s = 0.0;
+          scale += std::fabs(ai[k - 1]);
+        if (scale != 0.0) {
+          for (int k = l; k <= n; ++k) {
+            ai[k - 1] = ai[k - 1] / scale;
+            s += ai[k - 1] * ai[k - 1];
+          }
+          f = ai[l - 1];
+          g = -TransferSign(std::sqrt(s), f);
+          h = f * g - s;
+          ai[l - 1] = f - g;
+          // Scratch use of e: each of these entries is overwritten by a later
+          // pass.
           for (int k = l; k <= n; ++k)
-            s += A(j, k) * A(i, k);
-          for (int k = l; k <= n; ++k)
-            A(j, k) += s * e[k];
+            e[k] = ai[k - 1] / h;
+          rowActive = true;
         }
+      }
+      const bool sumNext = l <= n && l <= m;
+      double next = 0.0;
+      switch (n - l + 1) {
+        case 1:
+          next = HouseholderRows<1>(a, i, m, n, columnDone, factors, columnScale, rowActive, e,
+                                    sumNext);
+          break;
+        case 2:
+          next = HouseholderRows<2>(a, i, m, n, columnDone, factors, columnScale, rowActive, e,
+                                    sumNext);
+          break;
+        case 3:
+          next = HouseholderRows<3>(a, i, m, n, columnDone, factors, columnScale, rowActive, e,
+                                    sumNext);
+          break;
+        case 4:
+          next = HouseholderRows<4>(a, i, m, n, columnDone, factors, columnScale, rowActive, e,
+                                    sumNext);
+          break;
+        default:
+          next = HouseholderRows<0>(a, i, m, n, columnDone, factors, columnScale, rowActive, e,
+                                    sumNext);
+          break;
+      }
+      if (rowActive) {
         for (int k = l; k <= n; ++k)
-          A(i, k) = scale * A(i, k);
+          ai[k - 1] = scale * ai[k - 1];
+      }
+      if (sumNext) {
+        haveNextScale = true;
+        nextScale = next;
       }
     }
     B = MaxDouble(B, std::fabs(W(i)) + std::fabs(e[i]));
   }
-
   // Accumulate the right-hand transformations into v, with the g and l that
   // the reduction left behind.
   for (int i = n; i >= 1; --i) {
@@ -138,34 +491,53 @@ double SvdCore(double **a, int m, int n, double *w, double **v) {
     l = i;
   }
 
-  // Accumulate the left-hand transformations in place in a.
+  // Accumulate the left-hand transformations in place in a. Each pass is one
+  // walk down the rows: the updates of all columns j = l..n together with the
+  // scaling of column i, and the sums that the next pass needs, taken from each
+  // row as soon as this pass is done with it.
+  bool haveSums = false;
   for (int i = MinInt(m, n); i >= 1; --i) {
     l = i + 1;
     g = W(i);
     for (int j = l; j <= n; ++j)
       A(i, j) = 0.0;
-    if (g != 0.0) {
+    const bool update = g != 0.0;
+    if (update) {
       g = 1.0 / g;
-      for (int j = l; j <= n; ++j) {
-        s = 0.0;
-        for (int k = l; k <= m; ++k)
-          s += A(k, i) * A(k, j);
-        f = (s / A(i, i)) * g;
-        for (int k = i; k <= m; ++k)
-          A(k, j) += f * A(k, i);
-      }
-      for (int j = i; j <= m; ++j)
-        A(j, i) = g * A(j, i);
-    } else {
-      for (int j = i; j <= m; ++j)
-        A(j, i) = 0.0;
+      if (!haveSums) ColumnDots(a, l, m, i, l, n, sums);
+      const double aii = A(i, i);
+      for (int j = l; j <= n; ++j)
+        factors[j] = (sums[j] / aii) * g;
     }
-    A(i, i) = A(i, i) + 1.0;
+    const bool dotsNext = i > 1 && W(i - 1) != 0.0;
+    switch (n - i) {
+      case 0:
+        AccumulateRows<0>(a, i, m, n, update, factors, g, dotsNext, sums);
+        break;
+      case 1:
+        AccumulateRows<1>(a, i, m, n, update, factors, g, dotsNext, sums);
+        break;
+      case 2:
+        AccumulateRows<2>(a, i, m, n, update, factors, g, dotsNext, sums);
+        break;
+      case 3:
+        AccumulateRows<3>(a, i, m, n, update, factors, g, dotsNext, sums);
+        break;
+      case 4:
+        AccumulateRows<4>(a, i, m, n, update, factors, g, dotsNext, sums);
+        break;
+      default:
+        AccumulateRows<-1>(a, i, m, n, update, factors, g, dotsNext, sums);
+        break;
+    }
+    haveSums = dotsNext;
   }
 
   // Diagonalise the bidiagonal form, finishing the values from the last to the
   // first. A value gets at most 30 sweeps; after the 30th the loop simply moves
-  // on to the next value.
+  // on to the next value. The rotations of a wait in a queue (see
+  // RotationQueue); those of the small v are applied at once.
+  RotationQueue rotations(a, m, block);
   for (int k = n; k >= 1; --k) {
     for (int iteration = 1; iteration <= 30; ++iteration) {
       // Split search: find the top l of the unreduced block that ends at k.
@@ -192,12 +564,7 @@ double SvdCore(double **a, int m, int n, double *w, double **v) {
           h = 1.0 / h;
           cs = g * h;
           sn = -f * h;
-          for (int j = 1; j <= m; ++j) {
-            y = A(j, l - 1);
-            z = A(j, i);
-            A(j, l - 1) = y * cs + z * sn;
-            A(j, i) = z * cs - y * sn;
-          }
+          rotations.Add(l - 1, i, cs, sn);
         }
       }
       z = W(k);
@@ -260,19 +627,14 @@ double SvdCore(double **a, int m, int n, double *w, double **v) {
         }
         f = cs * g + sn * y;
         x = cs * y - sn * g;
-        for (int r = 1; r <= m; ++r) {
-          p = A(r, j);
-          q = A(r, i);
-          A(r, j) = p * cs + q * sn;
-          A(r, i) = q * cs - p * sn;
-        }
+        rotations.Add(j, i, cs, sn);
       }
       e[l] = 0.0;
       e[k] = f;
       W(k) = x;
     }
   }
-  ::operator delete(e);
+  rotations.Flush();
 
   // The start values take part: a value of 1e25 or more never becomes the
   // smallest, one of 1e-25 or less never the largest.

@@ -2,11 +2,67 @@
 //
 // Element (i, j) is Col(m, j)[i], exactly what operator()(i, j) reads, without
 // a call across the library boundary. Code that walks a matrix element by
-// element uses this; the column table is always respected.
+// element uses this; the column table is always respected. Reshape lets a
+// function fill an output where it stands, and DoublePair lets a kernel carry
+// two independent sums at once with the bits of the scalar code.
 #ifndef QUADREL_MATRIX_ACCESS_H
 #define QUADREL_MATRIX_ACCESS_H
 
+#include <cstddef>
+
 #include "quadrel/matrix/matrix.h"
+
+// Two doubles side by side, for the library's own kernels that advance two
+// independent sums or elements at once. Each lane is an ordinary IEEE double
+// operation (the build never contracts into fused multiply-add), so a lane
+// gives exactly the bits of the same scalar code.
+#if defined(__GNUC__)
+typedef double DoublePair __attribute__((vector_size(16)));
+inline DoublePair MakePair(double lo, double hi) {
+  return DoublePair{lo, hi};
+}
+inline double Lane0(DoublePair v) {
+  return v[0];
+}
+inline double Lane1(DoublePair v) {
+  return v[1];
+}
+#else
+struct DoublePair {
+  double lo, hi;
+};
+inline DoublePair MakePair(double lo, double hi) {
+  return DoublePair{lo, hi};
+}
+inline double Lane0(DoublePair v) {
+  return v.lo;
+}
+inline double Lane1(DoublePair v) {
+  return v.hi;
+}
+inline DoublePair operator+(DoublePair a, DoublePair b) {
+  return DoublePair{a.lo + b.lo, a.hi + b.hi};
+}
+inline DoublePair operator-(DoublePair a, DoublePair b) {
+  return DoublePair{a.lo - b.lo, a.hi - b.hi};
+}
+inline DoublePair operator*(DoublePair a, DoublePair b) {
+  return DoublePair{a.lo * b.lo, a.hi * b.hi};
+}
+inline DoublePair operator/(DoublePair a, DoublePair b) {
+  return DoublePair{a.lo / b.lo, a.hi / b.hi};
+}
+#endif
+inline DoublePair SplatPair(double x) {
+  return MakePair(x, x);
+}
+inline DoublePair LoadPair(const double *p) {
+  return MakePair(p[0], p[1]);
+}
+inline void StorePair(double *p, DoublePair v) {
+  p[0] = Lane0(v);
+  p[1] = Lane1(v);
+}
 
 class CMatrixAccess {
  public:
@@ -21,6 +77,32 @@ class CMatrixAccess {
   // The data block, for whole-block work only.
   static double *Data(CMatrix &m) { return m.m_pData; }
   static double **Table(CMatrix &m) { return m.m_ppCol; }
+  static const double *const *Table(const CMatrix &m) { return m.m_ppCol; }
+
+  // Gives m the shape rows x cols with the identity column table, exactly as
+  // assigning a fresh matrix of that shape would (the storage is kept or
+  // replaced by the same rule), but without building and copying one. Element
+  // values are undefined afterwards; the caller writes every one of them.
+  // Lets a function fill an output in place instead of through a temporary.
+  static void Reshape(CMatrix &m, int rows, int cols) {
+    const int s = rows * cols;
+    const int t = m.m_nRows * m.m_nCols;
+    if (s > t || (t > kInObject && s <= kInObject)) {
+      m.Release();
+      m.m_nRows = 0;
+      m.m_nCols = 0;
+      m.Alloc(rows, cols);
+      return;
+    }
+    m.m_nRows = rows;
+    m.m_nCols = cols;
+    for (int j = 0; j < cols; ++j)
+      m.m_ppCol[j] = m.m_pData + static_cast<std::ptrdiff_t>(j) * rows;
+  }
+
+ private:
+  // Largest element count that a matrix keeps inside the object.
+  static constexpr int kInObject = 9;
 };
 
 #endif  // QUADREL_MATRIX_ACCESS_H
