@@ -75,10 +75,9 @@ TEST(FittingNonFinite, LineFitWithoutAMeasurableScatterFallsBackToTheXAxis) {
   }
 }
 
-// Disabled: PlaneFit finds no column of V whose quadratic form passes the
-// strict test when that form is NaN or infinite for all three, and then reads
-// column -1 of V. Enable once it falls back to column 0.
-TEST(FittingNonFinite, DISABLED_PlaneFitOnNaNOrOverflowGivesDefinedOutputs) {
+// No column of V has a quadratic form that is a number here; PlaneFit falls
+// back to column 0.
+TEST(FittingNonFinite, PlaneFitOnNaNOrOverflowGivesDefinedOutputs) {
   for (const CMatrix &points : {Spoilt(kNaN), Spoilt(kInf), Huge()}) {
     CMatrix centroid, normal, residuals;
     PlaneFit(points, centroid, normal, residuals);
@@ -86,8 +85,8 @@ TEST(FittingNonFinite, DISABLED_PlaneFitOnNaNOrOverflowGivesDefinedOutputs) {
   }
 }
 
-// Disabled: CircleFit and EllipseFit start from PlaneFit (see above).
-TEST(FittingNonFinite, DISABLED_CircleAndEllipseFitsOnNaNOrOverflowGiveDefinedOutputs) {
+// CircleFit and EllipseFit start from PlaneFit and inherit its fallback.
+TEST(FittingNonFinite, CircleAndEllipseFitsOnNaNOrOverflowGiveDefinedOutputs) {
   for (const CMatrix &points : {Spoilt(kNaN), Spoilt(kInf), Huge()}) {
     CMatrix centre, normal, residuals, foci;
     double radius = 0.0;
