@@ -25,18 +25,6 @@
 
 namespace {
 
-CMatrix LiteralProduct(const CMatrix &A, const CMatrix &B) {
-  CMatrix R(A.GetRows(), B.GetCols());
-  for (int i = 0; i < A.GetRows(); ++i)
-    for (int j = 0; j < B.GetCols(); ++j) {
-      double acc = 0.0;
-      for (int k = 0; k < A.GetCols(); ++k)
-        acc = A(i, k) * B(k, j) + acc;
-      R(i, j) = acc;
-    }
-  return R;
-}
-
 // Both fits: centroid, centred copy, scatter C * C', Svd, and the column of V
 // with the greatest (line) or least (plane) quadratic form.
 void LiteralAxes(const CMatrix &points, bool line, CMatrix &centroid, CMatrix &axis, CMatrix &Ct) {

@@ -262,18 +262,6 @@ double LiteralSvd(const CMatrix &A, CMatrix &U, CMatrix &S, CMatrix &V) {
   return 1.0 / r;
 }
 
-CMatrix LiteralProduct(const CMatrix &A, const CMatrix &B) {
-  CMatrix R(A.GetRows(), B.GetCols());
-  for (int i = 0; i < A.GetRows(); ++i)
-    for (int j = 0; j < B.GetCols(); ++j) {
-      double acc = 0.0;
-      for (int k = 0; k < A.GetCols(); ++k)
-        acc = A(i, k) * B(k, j) + acc;
-      R(i, j) = acc;
-    }
-  return R;
-}
-
 // Lsq as its steps read, with the full pseudo-inverse.
 double LiteralLsq(const CMatrix &A, const CMatrix &b, CMatrix &x) {
   CMatrix U, S, V;

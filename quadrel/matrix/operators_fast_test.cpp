@@ -11,20 +11,6 @@
 
 namespace {
 
-// The product as one dot product per element through public element access:
-// acc = A(i, k) * B(k, j) + acc in rising k from 0.0.
-CMatrix LiteralProduct(const CMatrix &A, const CMatrix &B) {
-  CMatrix R(A.GetRows(), B.GetCols());
-  for (int i = 0; i < A.GetRows(); ++i)
-    for (int j = 0; j < B.GetCols(); ++j) {
-      double acc = 0.0;
-      for (int k = 0; k < A.GetCols(); ++k)
-        acc = A(i, k) * B(k, j) + acc;
-      R(i, j) = acc;
-    }
-  return R;
-}
-
 // Random elements with exact zeros of both signs mixed in, and the columns
 // permuted through the column table when permute is set.
 CMatrix Operand(TestRandom &random, int rows, int cols, bool permute) {

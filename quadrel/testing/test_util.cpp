@@ -73,6 +73,17 @@ std::string Describe(const CMatrix &m) {
   return ::testing::AssertionSuccess();
 }
 
+CMatrix LiteralProduct(const CMatrix &A, const CMatrix &B) {
+  CMatrix R(A.GetRows(), B.GetCols());
+  for (int i = 0; i < A.GetRows(); ++i)
+    for (int j = 0; j < B.GetCols(); ++j) {
+      double acc = 0.0;
+      for (int k = 0; k < A.GetCols(); ++k) acc = A(i, k) * B(k, j) + acc;
+      R(i, j) = acc;
+    }
+  return R;
+}
+
 std::uint64_t TestRandom::Next() {
   state_ ^= state_ >> 12;
   state_ ^= state_ << 25;

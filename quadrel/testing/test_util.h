@@ -29,6 +29,11 @@ std::string Describe(const CMatrix &m);
 // Success if a and b have one shape and every element differs by at most tol.
 ::testing::AssertionResult Near(const CMatrix &a, const CMatrix &b, double tol);
 
+// The matrix product written literally through public element access, one
+// dot product per element: acc = A(i, k) * B(k, j) + acc in rising k from 0.0.
+// Fast routes of the library are compared with it bit for bit.
+CMatrix LiteralProduct(const CMatrix &A, const CMatrix &B);
+
 // A small deterministic generator for test data (xorshift64*).
 class TestRandom {
  public:
