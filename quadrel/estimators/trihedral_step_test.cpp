@@ -1,10 +1,14 @@
 #include "quadrel/estimators/trihedral_step.h"
 
-#include <algorithm>
 #include <cmath>
 
 #include <gtest/gtest.h>
 
+#include "quadrel/functions/constructors.h"
+#include "quadrel/functions/rearrange.h"
+#include "quadrel/functions/reductions.h"
+#include "quadrel/geometry/vectors.h"
+#include "quadrel/matrix/operators.h"
 #include "quadrel/testing/test_util.h"
 
 namespace {
@@ -12,22 +16,12 @@ namespace {
 const double kPi = 3.141592653589793;
 
 // Points on the planes x = 1, y = 2, z = 3 (sets of different size). At the
-// pose of TruePose the cube-corner model normals are the coordinate axes.
+// pose below the cube-corner model normals are the coordinate axes.
 const CMatrix kOnX = MakeMatrix(3, 4, {1, 1, 1, 1, 3, 4, 3, 5, 4, 4, 6, 7});
 const CMatrix kOnY = MakeMatrix(3, 5, {2, 3, 2, 5, 9, 2, 2, 2, 2, 2, 4, 4, 6, 7, 5});
 const CMatrix kOnZ = MakeMatrix(3, 3, {2, 3, 2, 3, 4, 6, 3, 3, 3});
-
-CMatrix TruePose() {
-  return MakeMatrix(3, 3, {1, kPi / 4, 0, 2, std::atan(std::sqrt(2.0)), 0, 3, kPi / 2, 0});
-}
-
-double PoseError(const CMatrix &result) {
-  const CMatrix truth = TruePose();
-  double error = 0.0;
-  for (int k = 0; k < 6; ++k)
-    error = std::max(error, std::fabs(result(k % 3, k / 3) - truth(k % 3, k / 3)));
-  return error;
-}
+const CMatrix kTruePose =
+    MakeMatrix(3, 3, {1, kPi / 4, 0, 2, std::atan(std::sqrt(2.0)), 0, 3, kPi / 2, 0});
 
 TEST(ApplyRotation, MultipliesMatrixByColumn) {
   const CMatrix R = MakeMatrix(3, 3, {1, 2, 3, 4, 5, 6, 7, 8, 10});
@@ -35,41 +29,34 @@ TEST(ApplyRotation, MultipliesMatrixByColumn) {
 }
 
 TEST(IdealTrihedralStep, KeepsExactPoseWhateverColumnTwoHeld) {
-  CMatrix clean = TruePose();
-  CMatrix dirty = TruePose();
-  dirty(0, 2) = -3.0;
-  dirty(1, 2) = NAN;
-  dirty(2, 2) = 1e300;
+  CMatrix clean = kTruePose, dirty = kTruePose;
+  dirty.SetCol(MakeCol({-3.0, NAN, 1e300}), 2);
   IdealTrihedralStep(kOnX, kOnY, kOnZ, clean, kPi / 2);
   IdealTrihedralStep(kOnX, kOnY, kOnZ, dirty, kPi / 2);
   EXPECT_TRUE(SameBits(clean, dirty));
-  EXPECT_TRUE(Near(clean, TruePose(), 1e-13));  // rms and both steps 0 as well
+  EXPECT_TRUE(Near(clean, kTruePose, 1e-13));  // rms and both steps 0 as well
 }
 
 TEST(IdealTrihedralStep, ConvergesQuadraticallyFromNearbyPose) {
   // An error of either sign in each of the six numbers: a wrong sign in the
   // update of either block makes the error grow.
-  CMatrix result = TruePose();
-  const double offsets[6] = {2e-3, -1.5e-3, 1e-3, -2e-3, 1.2e-3, 1.8e-3};
-  for (int k = 0; k < 6; ++k)
-    result(k % 3, k / 3) += offsets[k];
-  double error = PoseError(result);
+  const CMatrix offsets = MakeMatrix(3, 2, {2e-3, -2e-3, -1.5e-3, 1.2e-3, 1e-3, 1.8e-3});
+  CMatrix result = kTruePose + ColCat(offsets, Zeros(3, 1));
+  auto error = [](const CMatrix &pose) {
+    return Max(Max(Abs(ExcludeCol(pose, 2) - ExcludeCol(kTruePose, 2))))(0);
+  };
+  double previous = error(result);
   for (int step = 0; step < 3; ++step) {
     const CMatrix before = result;
     IdealTrihedralStep(kOnX, kOnY, kOnZ, result, kPi / 2);
-    const double next = PoseError(result);
-    EXPECT_LT(next, 50.0 * error * error + 1e-14) << "step " << step;
+    EXPECT_LT(error(result), 50.0 * previous * previous + 1e-14) << "step " << step;
     // Column 2 holds the rms before the step and the lengths of the changes.
     EXPECT_GT(result(0, 2), step == 0 ? 1e-4 : 1e-12) << "step " << step;
-    for (int col = 0; col < 2; ++col) {
-      const double length =
-          std::hypot(std::hypot(result(0, col) - before(0, col), result(1, col) - before(1, col)),
-                     result(2, col) - before(2, col));
-      EXPECT_NEAR(result(1 + col, 2), length, 1e-12) << "step " << step;
-    }
-    error = next;
+    for (int col = 0; col < 2; ++col)
+      EXPECT_NEAR(result(1 + col, 2), Norm2(Col(result, col) - Col(before, col)), 1e-12);
+    previous = error(result);
   }
-  EXPECT_LT(error, 1e-13);
+  EXPECT_LT(previous, 1e-13);
 }
 
 }  // namespace

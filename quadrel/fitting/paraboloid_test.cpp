@@ -1,6 +1,6 @@
 #include "quadrel/fitting/paraboloid.h"
 
-#include <limits>
+#include <cmath>
 
 #include <gtest/gtest.h>
 
@@ -16,9 +16,7 @@ CMatrix Surface(double sx, double sy) {
   for (int k = 0; k < 25; ++k) {
     const double x = -1.0 + 0.5 * (k % 5), y = -0.8 + 0.4 * (k / 5);
     const double u = (x - 0.3) / 1.7, v = (y + 0.2) / 0.9;
-    points(0, k) = x;
-    points(1, k) = y;
-    points(2, k) = 0.8 + sx * u * u + sy * v * v;
+    points.SetCol(MakeCol({x, y, 0.8 + sx * u * u + sy * v * v}), k);
   }
   return points;
 }
@@ -38,17 +36,16 @@ TEST(ParaboloidFit, RecoversVertexFormAndXCurvatureSign) {
   }
   EXPECT_EQ(SignRef(-1e-300), -1.0);
   EXPECT_EQ(SignRef(-0.0), 1.0);
-  EXPECT_EQ(SignRef(std::numeric_limits<double>::quiet_NaN()), 1.0);
+  EXPECT_EQ(SignRef(NAN), 1.0);
 }
 
 TEST(ParaboloidFit, ResidualIsPositiveAboveTheSurface) {
+  // The fit gives way a little towards the raised point, which stays above it.
   CMatrix points = Surface(1, 1), vertex, residuals;
   points(2, 12) += 0.5;
   double a = 0.0, b = 0.0, sign = 0.0;
   ParaboloidFit(points, vertex, a, b, sign, residuals);
-  // The fit gives way a little towards the raised point, which stays above it.
-  EXPECT_GT(residuals(12), 0.0);
-  EXPECT_LT(residuals(12), 0.5);
+  EXPECT_TRUE(residuals(12) > 0.0 && residuals(12) < 0.5);
 }
 
 }  // namespace

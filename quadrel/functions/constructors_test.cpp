@@ -1,7 +1,6 @@
 #include "quadrel/functions/constructors.h"
 
 #include <cmath>
-#include <limits>
 
 #include <gtest/gtest.h>
 
@@ -9,15 +8,17 @@
 
 namespace {
 
-const double kNaN = std::numeric_limits<double>::quiet_NaN();
-
 TEST(Constructors, FillTheGivenShape) {
   EXPECT_TRUE(SameBits(Zeros(3), CMatrix(0.0, 3, 3)));
   EXPECT_TRUE(SameBits(Ones(3, 1), MakeCol({1, 1, 1})));
-  EXPECT_TRUE(SameBits(Zeros(CMatrix(kNaN, 2, 5)), CMatrix(0.0, 2, 5)));
+  EXPECT_TRUE(SameBits(Zeros(CMatrix(NAN, 2, 5)), CMatrix(0.0, 2, 5)));
   EXPECT_TRUE(SameBits(Eye(2, 3), MakeMatrix(2, 3, {1, 0, 0, 0, 1, 0})));
   EXPECT_TRUE(SameBits(Eye(3, 2), MakeMatrix(3, 2, {1, 0, 0, 1, 0, 0})));
-  EXPECT_TRUE(SameBits(Eye(0), CMatrix(0, 0)));
+  CMatrix wide = MakeMatrix(2, 3, {1, 2, 3, 4, 5, 6});
+  EXPECT_TRUE(SameBits(Diag(wide), MakeCol({1, 5})));
+  EXPECT_TRUE(SameBits(Diag(MakeRow({7, 8, 9, 10})), MakeCol({7})));
+  wide.SwapCols(0, 1);
+  EXPECT_TRUE(SameBits(Diag(wide), MakeCol({2, 4})));
 }
 
 TEST(Seq, CountsByTruncatedQuotient) {
@@ -28,9 +29,7 @@ TEST(Seq, CountsByTruncatedQuotient) {
   // Truncation goes towards zero, not downwards.
   EXPECT_TRUE(SameBits(Seq(0.0, -0.5, 1.0), MakeCol({0.0})));
   EXPECT_TRUE(SameBits(Seq(0.0, -1.0, 1.0), CMatrix(0, 1)));
-}
-
-TEST(Seq, ComputesEachElementFromItsIndex) {
+  // Each element comes from its index, not from a running sum.
   const CMatrix s = Seq(0.3, 100.0, 0.1);
   double running = 0.3;
   bool drifted = false;
@@ -41,32 +40,21 @@ TEST(Seq, ComputesEachElementFromItsIndex) {
   EXPECT_TRUE(drifted) << "a running sum gives the same values here; the test proves nothing";
 }
 
-TEST(Seq, DegenerateRangeGivesEmptyColumn) {
-  const double inf = std::numeric_limits<double>::infinity();
-  const double cases[][3] = {{0, 1, 0},   {1, 1, 0},    {0, 2, -1},
-                             {0, 10, -1}, {kNaN, 1, 1}, {0, inf, 1}};
+TEST(SeqLinspace, DegenerateRangesAndCountsGiveAnEmptyColumn) {
+  const double cases[][3] = {{0, 1, 0}, {0, 2, -1}, {NAN, 1, 1}, {0, INFINITY, 1}};
   for (const auto &c : cases)
     EXPECT_TRUE(SameBits(Seq(c[0], c[1], c[2]), CMatrix(0, 1)))
         << c[0] << " " << c[1] << " " << c[2];
+  EXPECT_TRUE(SameBits(Linspace(2.0, 7.0, 0), CMatrix(0, 1)));
+  EXPECT_TRUE(SameBits(Linspace(2.0, 7.0, -3), CMatrix(0, 1)));
+  EXPECT_TRUE(SameBits(Linspace(2.0, 7.0, 1), MakeCol({7.0})));
 }
 
-TEST(Linspace, SpacesCountValuesAndHandlesFewPoints) {
+TEST(Linspace, SpacesCountValuesFromTheFirst) {
   EXPECT_TRUE(SameBits(Linspace(0.0, 1.0, 5), MakeCol({0, 0.25, 0.5, 0.75, 1})));
   EXPECT_TRUE(SameBits(Linspace(1.0, 0.0, 3), MakeCol({1, 0.5, 0})));
   // The last element is computed, not copied from last.
   EXPECT_EQ(Linspace(0.1, 0.7, 4)(3), 3 * ((0.7 - 0.1) / 3.0) + 0.1);
-  EXPECT_TRUE(SameBits(Linspace(2.0, 7.0, 1), MakeCol({7.0})));
-  EXPECT_TRUE(SameBits(Linspace(2.0, 7.0, 0), CMatrix(0, 1)));
-  EXPECT_TRUE(SameBits(Linspace(2.0, 7.0, -3), CMatrix(0, 1)));
-}
-
-TEST(Diag, TakesTheMainDiagonalOfAnyShape) {
-  CMatrix wide = MakeMatrix(2, 3, {1, 2, 3, 4, 5, 6});
-  EXPECT_TRUE(SameBits(Diag(wide), MakeCol({1, 5})));
-  EXPECT_TRUE(SameBits(Diag(MakeMatrix(3, 2, {1, 2, 3, 4, 5, 6})), MakeCol({1, 4})));
-  EXPECT_TRUE(SameBits(Diag(MakeRow({7, 8, 9, 10})), MakeCol({7})));
-  wide.SwapCols(0, 1);
-  EXPECT_TRUE(SameBits(Diag(wide), MakeCol({2, 4})));
 }
 
 }  // namespace

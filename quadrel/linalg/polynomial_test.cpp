@@ -11,7 +11,6 @@
 namespace {
 
 TEST(Polyfit, RecoversExactPolynomialsConstantFirst) {
-  EXPECT_TRUE(Near(Polyfit(MakeCol({0, 1, 2}), MakeCol({1, 3, 5}), 1), MakeCol({1, 2}), 1e-14));
   EXPECT_TRUE(
       Near(Polyfit(MakeCol({0, 1, 2, 3}), MakeCol({1, 3, 7, 13}), 2), MakeCol({1, 1, 1}), 1e-13));
   EXPECT_TRUE(Near(Polyfit(MakeRow({5, 6, 7, 8}), MakeCol({1, 2, 4, 9}), 0), MakeCol({4}), 1e-14));
@@ -22,18 +21,13 @@ TEST(Polyfit, RecoversExactPolynomialsConstantFirst) {
   const CMatrix fit = Polyfit(x, y, 3);
   EXPECT_TRUE(Near(fit, p, 1e-12));
   EXPECT_TRUE(SameBits(Polyfit(Transpose(x), y, 3), fit));
-}
-
-TEST(Polyfit, FewerPointsThanCoefficientsGiveTheMinimumNormFit) {
-  const CMatrix x = MakeCol({1, 2}), y = MakeCol({1, -1});
-  const CMatrix c = Polyfit(x, y, 2);
-  EXPECT_TRUE(Near(Polyval(c, x), y, 1e-13));
+  // Fewer points than coefficients: the fit of least norm through them.
+  const CMatrix x2 = MakeCol({1, 2}), y2 = MakeCol({1, -1});
   const CMatrix D = MakeMatrix(2, 3, {1, 1, 1, 1, 2, 4});
-  EXPECT_TRUE(Near(c, Transpose(D) * (Inv(D * Transpose(D)) * y), 1e-13));
+  EXPECT_TRUE(Near(Polyfit(x2, y2, 2), Transpose(D) * (Inv(D * Transpose(D)) * y2), 1e-13));
 }
 
 TEST(Polyval, SumsPowersTermByTerm) {
-  EXPECT_TRUE(SameBits(Polyval(MakeCol({1, 2}), MakeMatrix(1, 1, {3})), MakeMatrix(1, 1, {7})));
   const CMatrix points = MakeMatrix(2, 3, {0, 1, 2, -1, 0.5, 3});
   const CMatrix expected = MakeMatrix(2, 3, {1, 2, 5, 2, 1.25, 10});
   EXPECT_TRUE(SameBits(Polyval(MakeCol({1, 0, 1}), points), expected));

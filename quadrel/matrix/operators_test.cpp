@@ -1,38 +1,25 @@
 #include "quadrel/matrix/operators.h"
 
 #include <cmath>
-#include <limits>
 
 #include <gtest/gtest.h>
 
 #include "quadrel/testing/test_util.h"
-
-namespace {
-
-const double kNaN = std::numeric_limits<double>::quiet_NaN();
-const double kInf = std::numeric_limits<double>::infinity();
-
-}  // namespace
 
 TEST(Operators, StarIsTheProductAndCaretElementWise) {
   EXPECT_TRUE(SameBits(MakeRow({2, 3}) ^ MakeRow({4, 5}), MakeRow({8, 15})));
   const CMatrix A = MakeMatrix(2, 3, {1, 2, 3, 4, 5, 6});
   const CMatrix B = MakeMatrix(3, 4, {1, 0, 2, -1, 0, 1, 3, 2, 1, 1, 0, 4});
   EXPECT_TRUE(SameBits(A * B, MakeMatrix(2, 4, {4, 5, 8, 15, 10, 11, 23, 30})));
-  // Rows of B beyond A's columns are ignored.
+  // Rows of B beyond A's columns are ignored; an empty inner dimension gives zeros.
   EXPECT_TRUE(SameBits(A * MakeMatrix(4, 2, {1, 2, 3, 4, 5, 6, 100, 100}),
                        MakeMatrix(2, 2, {22, 28, 49, 64})));
-  // An empty inner dimension gives zeros.
   EXPECT_TRUE(SameBits(CMatrix(2, 0) * CMatrix(0, 3), CMatrix(0.0, 2, 3)));
-}
-
-TEST(Operators, ProductSumsInRisingOrderFromZero) {
-  // 1e16 + 1 loses the 1: only a plain running sum in rising k gives these.
+  // A plain running sum in rising k from +0.0: 1e16 + 1 loses the 1, and a
+  // -0.0 term gives +0.0.
   const CMatrix ones = MakeCol({1, 1, 1});
   EXPECT_EQ((MakeRow({1e16, 1, -1e16}) * ones)(0), 0.0);
-  EXPECT_EQ((MakeRow({1, 1e16, -1e16}) * ones)(0), 0.0);
   EXPECT_EQ((MakeRow({1e16, -1e16, 1}) * ones)(0), 1.0);
-  // The sum starts at +0.0, so a -0.0 term gives +0.0.
   EXPECT_FALSE(std::signbit((MakeRow({-0.0}) * MakeCol({1.0}))(0)));
 }
 
@@ -49,16 +36,10 @@ TEST(Operators, ScalarForms) {
   const CMatrix A = MakeRow({1, -2, 0});
   EXPECT_TRUE(SameBits(2.0 - A, MakeRow({1, 4, 2})));
   EXPECT_TRUE(SameBits(A - 2.0, MakeRow({-1, -4, -2})));
-  EXPECT_TRUE(SameBits(2.0 + A, A + 2.0));
-  EXPECT_TRUE(SameBits(3.0 * A, A * 3.0));
+  EXPECT_TRUE(SameBits(2.0 + A * 3.0, MakeRow({5, -4, 2})));
   EXPECT_TRUE(SameBits(A / 4.0, MakeRow({0.25, -0.5, 0})));
   EXPECT_TRUE(SameBits(-A, MakeRow({-1, 2, -0.0})));
   EXPECT_EQ(&(+A), &A);
-  // Division by zero goes on with infinities and NaN.
-  const CMatrix R = A / 0.0;
-  EXPECT_EQ(R(0), kInf);
-  EXPECT_EQ(R(1), -kInf);
-  EXPECT_TRUE(std::isnan(R(2)));
 }
 
 TEST(Operators, InPlaceFormsWorkWhereElementsStand) {
@@ -74,7 +55,7 @@ TEST(Operators, InPlaceFormsWorkWhereElementsStand) {
   EXPECT_TRUE(SameBits(A, MakeMatrix(2, 2, {2, 3, 4, 5})));
   EXPECT_EQ(&(A -= A), &A);
   EXPECT_TRUE(SameBits(A, CMatrix(0.0, 2, 2)));
-
+  // The product may change the shape and may take itself.
   CMatrix D = MakeMatrix(3, 3, {1, 0, 0, 0, 2, 0, 0, 0, 3});
   D *= MakeCol({1, 1, 1});
   EXPECT_TRUE(SameBits(D, MakeCol({1, 2, 3})));
@@ -84,32 +65,18 @@ TEST(Operators, InPlaceFormsWorkWhereElementsStand) {
 }
 
 TEST(Operators, ComparisonsAndLogicGiveMasks) {
-  const CMatrix A = MakeRow({1, 2, 3});
-  EXPECT_TRUE(SameBits(A > 2.0, MakeRow({0, 0, 1})));
-  EXPECT_TRUE(SameBits(A >= 2.0, MakeRow({0, 1, 1})));
-  EXPECT_TRUE(SameBits(A == 2.0, MakeRow({0, 1, 0})));
-  EXPECT_TRUE(SameBits(A != 2.0, MakeRow({1, 0, 1})));
-  EXPECT_TRUE(SameBits(A < 2.0, MakeRow({1, 0, 0})));
-  EXPECT_TRUE(SameBits(A <= 2.0, MakeRow({1, 1, 0})));
-  EXPECT_TRUE(SameBits(MakeRow({0.1 + 0.2}) == 0.3, MakeRow({0})));
-
-  const CMatrix M = MakeMatrix(2, 3, {-0.5, 0.0, 0.25, 1.0, 0.999, 2});
-  EXPECT_TRUE(SameBits((M > 0.0) && (M < 1.0), MakeMatrix(2, 3, {0, 0, 1, 0, 1, 0})));
-  // -0.0 is false.
-  const CMatrix P = MakeRow({0.0, -0.0, 3, 0});
-  const CMatrix Q = MakeRow({-0.0, 5, -1, 2});
-  EXPECT_TRUE(SameBits(P && Q, MakeRow({0, 0, 1, 0})));
-  EXPECT_TRUE(SameBits(P || Q, MakeRow({0, 1, 1, 1})));
-}
-
-TEST(Operators, NaNFollowsIeeeRules) {
-  const CMatrix A = MakeRow({kNaN, 1});
-  EXPECT_TRUE(SameBits(A == kNaN, MakeRow({0, 0})));
-  EXPECT_TRUE(SameBits(A != kNaN, MakeRow({1, 1})));
-  EXPECT_TRUE(SameBits(A >= 0.0, MakeRow({0, 1})));
-  // NaN is non-zero, so it counts as true.
-  EXPECT_TRUE(SameBits(A && A, MakeRow({1, 1})));
-  EXPECT_TRUE(SameBits(A || MakeRow({0, 0}), MakeRow({1, 1})));
+  const CMatrix A = MakeRow({1, 2, 3, NAN});
+  EXPECT_TRUE(SameBits(A > 2.0, MakeRow({0, 0, 1, 0})));
+  EXPECT_TRUE(SameBits(A >= 2.0, MakeRow({0, 1, 1, 0})));
+  EXPECT_TRUE(SameBits(A == 2.0, MakeRow({0, 1, 0, 0})));
+  EXPECT_TRUE(SameBits(A != 2.0, MakeRow({1, 0, 1, 1})));
+  EXPECT_TRUE(SameBits(A < 2.0, MakeRow({1, 0, 0, 0})));
+  EXPECT_TRUE(SameBits(A <= 2.0, MakeRow({1, 1, 0, 0})));
+  // -0.0 is false; NaN is non-zero and so true.
+  const CMatrix P = MakeRow({0.0, -0.0, 3, 0, NAN});
+  const CMatrix Q = MakeRow({-0.0, 5, -1, 2, 0});
+  EXPECT_TRUE(SameBits(P && Q, MakeRow({0, 0, 1, 0, 0})));
+  EXPECT_TRUE(SameBits(P || Q, MakeRow({0, 1, 1, 1, 1})));
 }
 
 TEST(Operators, EmptyShapesPassThrough) {

@@ -7,37 +7,29 @@
 
 #include "quadrel/testing/test_util.h"
 
-namespace {
-
-std::string Written(const CMatrix &A) {
-  std::ostringstream out;
-  out << A;
-  return out.str();
-}
-
-}  // namespace
-
-TEST(Stream, WritesVectorsOnOneLine) {
-  EXPECT_EQ(Written(MakeRow({1, 2, 3})), "[ 1 2 3 ];");
-  EXPECT_EQ(Written(MakeCol({1, 2, 3})), "[ 1 2 3 ]';");
-  EXPECT_EQ(Written(MakeRow({5})), "[ 5 ];");
-  EXPECT_EQ(Written(MakeRow({-0.5, 1e20})), "[ -0.5 1e+20 ];");
-}
-
-TEST(Stream, WritesMatricesRowByRow) {
-  EXPECT_EQ(Written(MakeMatrix(2, 2, {1, 2, 3, 4})), "[ 1 2; ...\n3 4 ];");
-  EXPECT_EQ(Written(MakeMatrix(3, 2, {1, 2, 3, 4, 5, 6})), "[ 1 2; ...\n3 4; ...\n5 6 ];");
+TEST(Stream, WritesEveryShapeInItsOwnForm) {
   CMatrix swapped = MakeMatrix(2, 3, {1, 2, 3, 4, 5, 6});
   swapped.SwapCols(0, 2);
-  EXPECT_EQ(Written(swapped), "[ 3 2 1; ...\n6 5 4 ];");
-}
-
-TEST(Stream, EmptyShapes) {
-  // With no row nothing closes the bracket.
-  EXPECT_EQ(Written(CMatrix(0, 0)), "[ ");
-  EXPECT_EQ(Written(CMatrix(0, 4)), "[ ");
-  EXPECT_EQ(Written(CMatrix(3, 0)), "[ ; ...\n; ...\n ];");
-  EXPECT_EQ(Written(CMatrix(2, 0)), "[ ; ...\n ];");
+  const struct {
+    CMatrix matrix;
+    const char *text;
+  } cases[] = {
+      {MakeRow({1, 2, 3}), "[ 1 2 3 ];"},
+      {MakeCol({1, 2, 3}), "[ 1 2 3 ]';"},
+      {MakeRow({-0.5}), "[ -0.5 ];"},
+      {MakeRow({5, 1e20}), "[ 5 1e+20 ];"},
+      {MakeMatrix(3, 2, {1, 2, 3, 4, 5, 6}), "[ 1 2; ...\n3 4; ...\n5 6 ];"},
+      {swapped, "[ 3 2 1; ...\n6 5 4 ];"},
+      // With no row nothing closes the bracket.
+      {CMatrix(0, 0), "[ "},
+      {CMatrix(0, 4), "[ "},
+      {CMatrix(2, 0), "[ ; ...\n ];"},
+  };
+  for (const auto &c : cases) {
+    std::ostringstream out;
+    out << c.matrix;
+    EXPECT_EQ(out.str(), c.text) << Describe(c.matrix);
+  }
 }
 
 TEST(Stream, UsesTheStreamSettingsAndReturnsTheStream) {
