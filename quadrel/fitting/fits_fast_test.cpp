@@ -3,14 +3,15 @@
 // tests hold them to that formulation, written out with public functions only,
 // bit for bit.
 #include <cmath>
+#include <string>
 #include <vector>
 
 #include <gtest/gtest.h>
 
 #include "quadrel/fitting/circle_sphere.h"
-#include "quadrel/fitting/ellipse.h"
 #include "quadrel/fitting/line_plane.h"
 #include "quadrel/fitting/paraboloid.h"
+#include "quadrel/functions/constructors.h"
 #include "quadrel/functions/rearrange.h"
 #include "quadrel/functions/reductions.h"
 #include "quadrel/geometry/distances.h"
@@ -25,16 +26,27 @@
 
 namespace {
 
-// Both fits: centroid, centred copy, scatter C * C', Svd, and the column of V
-// with the greatest (line) or least (plane) quadratic form.
-void LiteralAxes(const CMatrix &points, bool line, CMatrix &centroid, CMatrix &axis, CMatrix &Ct) {
-  CMatrix C(points);
-  centroid = Transpose(Mean(Transpose(C)));
+// The outputs of a fit: its matrices in their order, then its numbers as 1 x 1.
+using Outputs = std::vector<CMatrix>;
+
+CMatrix Number(double value) {
+  return CMatrix(value, 1, 1);
+}
+
+// Row k of the points as an n x 1 column.
+CMatrix Coordinate(const CMatrix &points, int k) {
+  return Transpose(Row(points, k));
+}
+
+// The centroid, the centred points C, the scatter C * C' and its Svd, and the
+// column of V whose quadratic form is the greatest (line) or least (plane).
+CMatrix PlainAxis(const CMatrix &points, bool line, CMatrix &centroid, CMatrix &C) {
+  centroid = Transpose(Mean(Transpose(points)));
+  C = points;
   for (int i = 0; i < 3; ++i)
     for (int j = 0; j < C.GetCols(); ++j)
       C(i, j) = C(i, j) - centroid(i);
-  Ct = Transpose(C);
-  const CMatrix S = LiteralProduct(C, Ct);
+  const CMatrix S = C * Transpose(C);
   CMatrix U, W, V;
   Svd(S, U, W, V);
   int best = -1;
@@ -48,120 +60,95 @@ void LiteralAxes(const CMatrix &points, bool line, CMatrix &centroid, CMatrix &a
       bestValue = q;
     }
   }
-  axis = Col(V, best);
+  return Col(V, best);
 }
 
-void LiteralPlaneFit(const CMatrix &points, CMatrix &centroid, CMatrix &normal,
-                     CMatrix &residuals) {
-  CMatrix Ct;
-  LiteralAxes(points, false, centroid, normal, Ct);
-  residuals = LiteralProduct(Ct, normal);
-}
-
-void LiteralLineFit(const CMatrix &points, CMatrix &centroid, CMatrix &direction,
-                    CMatrix &residuals) {
-  CMatrix Ct;
-  LiteralAxes(points, true, centroid, direction, Ct);
-  residuals.Resize(points.GetCols(), 1);
+Outputs PlainLine(const CMatrix &points) {
+  CMatrix centroid, C, residuals(points.GetCols(), 1);
+  const CMatrix direction = PlainAxis(points, true, centroid, C);
   for (int i = 0; i < points.GetCols(); ++i)
     residuals(i) = LinePointDist(centroid, direction, Col(points, i));
+  return {centroid, direction, residuals};
 }
 
-void LiteralSphereFit(const CMatrix &points, CMatrix &centre, double &radius, CMatrix &residuals) {
+Outputs PlainPlane(const CMatrix &points) {
+  CMatrix centroid, C;
+  const CMatrix normal = PlainAxis(points, false, centroid, C);
+  return {centroid, normal, Transpose(C) * normal};
+}
+
+Outputs PlainSphere(const CMatrix &points) {
   const int n = points.GetCols();
-  CMatrix D(n, 4), b(n, 1);
-  for (int i = 0; i < n; ++i) {
-    const double x = points(0, i), y = points(1, i), z = points(2, i);
-    D(i, 0) = 1.0;
-    D(i, 1) = 2.0 * x;
-    D(i, 2) = 2.0 * y;
-    D(i, 3) = 2.0 * z;
-    b(i) = x * x + y * y + z * z;
-  }
-  CMatrix a;
-  Lsq(D, b, a);
-  radius = std::sqrt(AbsRef(a(0) + a(1) * a(1) + a(2) * a(2) + a(3) * a(3)));
-  centre.Resize(3, 1);
-  centre(0) = a(1);
-  centre(1) = a(2);
-  centre(2) = a(3);
-  residuals.Resize(1, n);
+  const CMatrix X = Coordinate(points, 0), Y = Coordinate(points, 1), Z = Coordinate(points, 2);
+  CMatrix a, residuals(1, n);
+  Lsq(ColCat(ColCat(ColCat(Ones(n, 1), 2.0 * X), 2.0 * Y), 2.0 * Z), (X ^ X) + (Y ^ Y) + (Z ^ Z),
+      a);
+  const double radius = std::sqrt(AbsRef(a(0) + a(1) * a(1) + a(2) * a(2) + a(3) * a(3)));
+  const CMatrix centre = ExcludeRow(a, 0);
   for (int i = 0; i < n; ++i)
     residuals(i) = Norm2(Col(points, i) - centre) - radius;
+  return {centre, residuals, Number(radius)};
 }
 
-void LiteralCircleFit(const CMatrix &points, CMatrix &centre, CMatrix &normal, double &radius,
-                      CMatrix &residuals) {
-  CMatrix c0;
-  LiteralPlaneFit(points, c0, normal, residuals);
-  const CMatrix t = Cart2Sph(normal);
-  const CMatrix R = Rotation(t(1), t(2));
-  const CMatrix Q = LiteralProduct(R, points);
+// The plane fit, the points turned by the rotation of its normal, a circle
+// fitted to their x and y, and each point's distance from that circle.
+Outputs PlainCircle(const CMatrix &points) {
   const int n = points.GetCols();
-  CMatrix D(0.0, n, 3), b(0.0, n, 1);
-  double zmean = 0.0;
+  const Outputs plane = PlainPlane(points);
+  CMatrix residuals = plane[2], a;
+  const CMatrix t = Cart2Sph(plane[1]);
+  const CMatrix R = Rotation(t(1), t(2)), Q = R * points;
+  const CMatrix X = Coordinate(Q, 0), Y = Coordinate(Q, 1);
+  Lsq(ColCat(ColCat(Ones(n, 1), 2.0 * X), 2.0 * Y), (X ^ X) + (Y ^ Y), a);
+  const double radius = std::sqrt(AbsRef(a(0) + a(1) * a(1) + a(2) * a(2)));
+  const CMatrix c = MakeCol({a(1), a(2), Mean(Row(Q, 2))(0)});
   for (int i = 0; i < n; ++i) {
-    const double x = Q(0, i), y = Q(1, i), z = Q(2, i);
-    D(i, 0) = 1.0;
-    D(i, 1) = 2.0 * x;
-    D(i, 2) = 2.0 * y;
-    b(i) = x * x + y * y;
-    zmean += z;
-  }
-  zmean /= n;
-  CMatrix a;
-  Lsq(D, b, a);
-  radius = std::sqrt(AbsRef(a(0) + a(1) * a(1) + a(2) * a(2)));
-  CMatrix c(3, 1);
-  c(0) = a(1);
-  c(1) = a(2);
-  c(2) = zmean;
-  centre = LiteralProduct(Transpose(R), c);
-  for (int i = 0; i < n; ++i) {
-    const double p = residuals(i);
-    const double d = Norm2(Col(Q, i) - c);
+    const double p = residuals(i), d = Norm2(Col(Q, i) - c);
     const double e = radius - std::sqrt(d * d - p * p);
     residuals(i) = std::sqrt(p * p + e * e);
   }
+  return {Transpose(R) * c, plane[1], residuals, Number(radius)};
 }
 
-void LiteralParaboloidFit(const CMatrix &points, CMatrix &vertex, double &a, double &b,
-                          double &sign, CMatrix &residuals) {
+Outputs PlainParaboloid(const CMatrix &points) {
   const int n = points.GetCols();
-  CMatrix D(n, 5), z(n, 1);
-  for (int i = 0; i < n; ++i) {
-    const double x = points(0, i), y = points(1, i);
-    D(i, 0) = x * x;
-    D(i, 1) = 2.0 * x;
-    D(i, 2) = y * y;
-    D(i, 3) = 2.0 * y;
-    D(i, 4) = 1.0;
-    z(i) = points(2, i);
-  }
+  const CMatrix X = Coordinate(points, 0), Y = Coordinate(points, 1), Z = Coordinate(points, 2);
   CMatrix c;
-  Lsq(D, z, c);
+  Lsq(ColCat(ColCat(ColCat(ColCat(X ^ X, 2.0 * X), Y ^ Y), 2.0 * Y), Ones(n, 1)), Z, c);
   const double c0 = c(0), c1 = c(1), c2 = c(2), c3 = c(3), c4 = c(4);
-  a = std::sqrt(1.0 / AbsRef(c0));
-  b = std::sqrt(1.0 / AbsRef(c2));
-  sign = c0 < 0.0 ? -1.0 : 1.0;
-  vertex.Resize(3, 1);
-  vertex(0) = -c1 / c0;
-  vertex(1) = -c3 / c2;
-  vertex(2) = (c4 - c1 * c1 / c0) - c3 * c3 / c2;
-  residuals.Resize(1, n);
-  for (int i = 0; i < n; ++i) {
-    const double x = points(0, i), y = points(1, i);
-    residuals(i) = points(2, i) - x * c0 * x - 2.0 * c1 * x - y * c2 * y - 2.0 * c3 * y - c4;
-  }
+  const CMatrix vertex = MakeCol({-c1 / c0, -c3 / c2, (c4 - c1 * c1 / c0) - c3 * c3 / c2});
+  const CMatrix residuals =
+      Z - ((X * c0) ^ X) - (2.0 * c1) * X - ((Y * c2) ^ Y) - (2.0 * c3) * Y - c4;
+  return {vertex, Transpose(residuals), Number(std::sqrt(1.0 / AbsRef(c0))),
+          Number(std::sqrt(1.0 / AbsRef(c2))), Number(c0 < 0.0 ? -1.0 : 1.0)};
 }
 
-::testing::AssertionResult SameNumber(double a, double b) {
-  return SameBits(CMatrix(a, 1, 1), CMatrix(b, 1, 1));
+// The library's fits by name: matrix outputs into o (three matrices of any
+// shape, whose contents must not matter), numbers into x.
+void Fast(const std::string &name, const CMatrix &p, Outputs &o, double *x) {
+  if (name == "line") LineFit(p, o[0], o[1], o[2]);
+  if (name == "plane") PlaneFit(p, o[0], o[1], o[2]);
+  if (name == "circle") CircleFit(p, o[0], o[1], x[0], o[2]);
+  if (name == "sphere") SphereFit(p, o[0], x[0], o[1]);
+  if (name == "paraboloid") ParaboloidFit(p, o[0], x[0], x[1], x[2], o[1]);
 }
 
-// Noisy points near a tilted circle, off the origin, with some coordinates
-// exactly 0.0 or -0.0, a few coincident points, and the columns permuted
-// through the table when permute is set.
+// Each fit with the fewest points it takes, its count of matrix outputs and its
+// plain steps.
+const struct {
+  const char *name;
+  int fewest;
+  std::size_t matrices;
+  Outputs (*plain)(const CMatrix &);
+} kFits[] = {{"line", 2, 3, PlainLine},
+             {"plane", 3, 3, PlainPlane},
+             {"circle", 3, 3, PlainCircle},
+             {"sphere", 4, 2, PlainSphere},
+             {"paraboloid", 5, 2, PlainParaboloid}};
+
+// Noisy points near a tilted, bent circle off the origin, with some coordinates
+// exactly 0.0 or -0.0, a repeated point, and the columns permuted through the
+// table when permute is set.
 CMatrix PointSet(TestRandom &random, int n, bool permute) {
   CMatrix points(3, n);
   for (int i = 0; i < n; ++i) {
@@ -174,90 +161,35 @@ CMatrix PointSet(TestRandom &random, int n, bool permute) {
     if (i % 7 == 3) points(i % 3, i) = i % 2 ? -0.0 : 0.0;
   }
   if (n > 5) points.SetCol(Col(points, 1), 4);
-  if (permute) {
-    points.SwapCols(0, n - 1);
-    points.SwapCols(1, n / 2);
-  }
+  if (permute) points.SwapCols(0, n - 1);
+  if (permute) points.SwapCols(1, n / 2);
   return points;
 }
 
-TEST(FitsFast, LineAndPlaneMatchThePlainSteps) {
+TEST(FitsFast, EveryFitMatchesItsPlainSteps) {
   TestRandom random(1001);
-  for (int n : {2, 3, 7, 50, 3000})
-    for (bool permute : {false, true}) {
-      const CMatrix points = PointSet(random, n, permute);
-      CMatrix c, v, r, plainC, plainV, plainR;
-      PlaneFit(points, c, v, r);
-      LiteralPlaneFit(points, plainC, plainV, plainR);
-      EXPECT_TRUE(SameBits(c, plainC)) << n;
-      EXPECT_TRUE(SameBits(v, plainV)) << n;
-      EXPECT_TRUE(SameBits(r, plainR)) << n;
-      LineFit(points, c, v, r);
-      LiteralLineFit(points, plainC, plainV, plainR);
-      EXPECT_TRUE(SameBits(c, plainC)) << n;
-      EXPECT_TRUE(SameBits(v, plainV)) << n;
-      EXPECT_TRUE(SameBits(r, plainR)) << n;
+  // Last, points in the plane z = 0 with -0.0 among them, where a sum that did
+  // not start from 0.0 would give residuals of -0.0.
+  std::vector<CMatrix> sets = {
+      MakeMatrix(3, 5, {1, -2, 0, 3, -0.0, 2, 5, -1, 0, 1, 0, -0.0, 0, -0.0, 0})};
+  for (int n : {2, 3, 5, 6, 7, 40, 2500})
+    for (bool permute : {false, true})
+      sets.insert(sets.begin(), PointSet(random, n, permute));
+  int round = 0;
+  for (const CMatrix &points : sets)
+    for (const auto &fit : kFits) {
+      if (points.GetCols() < fit.fewest) continue;
+      // Outputs that start large, small, permuted or of another shape.
+      const int rows = 1 + 19 * (round++ % 3);
+      Outputs o = {random.Matrix(rows, 5), random.Matrix(rows, 31), random.Matrix(2, rows)};
+      if (rows > 1) o[1].SwapCols(0, 1);
+      double x[3];
+      Fast(fit.name, points, o, x);
+      const Outputs plain = fit.plain(points);
+      for (std::size_t k = 0; k < plain.size(); ++k)
+        EXPECT_TRUE(SameBits(k < fit.matrices ? o[k] : Number(x[k - fit.matrices]), plain[k]))
+            << fit.name << " output " << k << " on " << points.GetCols() << " points";
     }
-  // Points in the plane z = 0, some of them with -0.0 coordinates: residuals
-  // of +0.0 and -0.0 products keep the sign the product gives.
-  CMatrix flat = MakeMatrix(3, 5, {1, -2, 0, 3, -0.0, 2, 5, -1, 0, 1, 0, -0.0, 0, -0.0, 0});
-  CMatrix c, v, r, plainC, plainV, plainR;
-  PlaneFit(flat, c, v, r);
-  LiteralPlaneFit(flat, plainC, plainV, plainR);
-  EXPECT_TRUE(SameBits(r, plainR));
-  EXPECT_TRUE(SameBits(v, plainV));
-}
-
-TEST(FitsFast, SphereCircleAndParaboloidMatchThePlainSteps) {
-  TestRandom random(2002);
-  for (int n : {5, 6, 40, 2500})
-    for (bool permute : {false, true}) {
-      const CMatrix points = PointSet(random, n, permute);
-      CMatrix c, v, r, plainC, plainV, plainR;
-      double radius, plainRadius, b, plainB, sign, plainSign;
-      SphereFit(points, c, radius, r);
-      LiteralSphereFit(points, plainC, plainRadius, plainR);
-      EXPECT_TRUE(SameBits(c, plainC)) << n;
-      EXPECT_TRUE(SameNumber(radius, plainRadius));
-      EXPECT_TRUE(SameBits(r, plainR)) << n;
-
-      CircleFit(points, c, v, radius, r);
-      LiteralCircleFit(points, plainC, plainV, plainRadius, plainR);
-      EXPECT_TRUE(SameBits(c, plainC)) << n;
-      EXPECT_TRUE(SameBits(v, plainV));
-      EXPECT_TRUE(SameNumber(radius, plainRadius));
-      EXPECT_TRUE(SameBits(r, plainR)) << n;
-
-      ParaboloidFit(points, c, radius, b, sign, r);
-      LiteralParaboloidFit(points, plainC, plainRadius, plainB, plainSign, plainR);
-      EXPECT_TRUE(SameBits(c, plainC)) << n;
-      EXPECT_TRUE(SameNumber(radius, plainRadius));
-      EXPECT_TRUE(SameNumber(b, plainB));
-      EXPECT_TRUE(SameNumber(sign, plainSign));
-      EXPECT_TRUE(SameBits(r, plainR)) << n;
-    }
-}
-
-TEST(FitsFast, OutputsAreReplacedWhateverTheyHeld) {
-  // Outputs that start large, small, permuted or of another shape end up the
-  // same as fresh ones.
-  TestRandom random(3003);
-  const CMatrix points = PointSet(random, 30, false);
-  CMatrix fresh[3];
-  double radius;
-  SphereFit(points, fresh[0], radius, fresh[1]);
-  for (int rows : {1, 3, 40}) {
-    CMatrix centre = random.Matrix(rows, 5), residuals = random.Matrix(rows, 31);
-    if (rows > 1) residuals.SwapCols(0, 1);
-    SphereFit(points, centre, radius, residuals);
-    EXPECT_TRUE(SameBits(centre, fresh[0]));
-    EXPECT_TRUE(SameBits(residuals, fresh[1]));
-  }
-  PlaneFit(points, fresh[0], fresh[1], fresh[2]);
-  CMatrix centroid = random.Matrix(4, 4), normal(2, 1), residuals = random.Matrix(2, 2);
-  PlaneFit(points, centroid, normal, residuals);
-  EXPECT_TRUE(SameBits(centroid, fresh[0]));
-  EXPECT_TRUE(SameBits(residuals, fresh[2]));
 }
 
 TEST(FitsFast, PlaneFitNeedsNoHeapOnceOutputsHaveTheirShape) {

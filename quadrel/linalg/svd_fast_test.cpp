@@ -2,7 +2,8 @@
 // diagonalisation, Svd keeps small working arrays on the stack, and Lsq forms
 // the pseudo-inverse column by column straight into the solution. These tests
 // hold each of them to the plain statement of its algorithm, bit for bit.
-#include <cmath>
+#include <cstdint>
+#include <cstring>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -14,353 +15,135 @@
 #include "quadrel/linalg/svd.h"
 #include "quadrel/linalg/svd_core.h"
 #include "quadrel/matrix/operators.h"
-#include "quadrel/matrix/scalar.h"
 #include "quadrel/testing/alloc_counter.h"
 #include "quadrel/testing/test_util.h"
 
 namespace {
 
-// The engine as its steps read, one loop per column and every rotation applied
-// where it arises; indices count from 1.
-double LiteralSvdCore(double **a, int m, int n, double *w, double **v) {
-  auto A = [a](int r, int c) -> double & { return a[r - 1][c - 1]; };
-  auto V = [v](int r, int c) -> double & { return v[r - 1][c - 1]; };
-  auto W = [w](int i) -> double & { return w[i - 1]; };
-  std::vector<double> e(static_cast<std::size_t>(n) + 1);
-  double B = 0.0;
-  auto negligible = [&B](double t) {
-    const double sum = std::fabs(t) + B;
-    return !(sum < B) && !(sum > B);
-  };
-  double g = 0.0, s = 0.0, f = 0.0, h = 0.0, scale = 0.0, cs, sn, x, y, z, p, q;
-  int l = 0;
-  for (int i = 1; i <= n; ++i) {
-    l = i + 1;
-    e[i] = scale * g;
-    g = s = scale = 0.0;
-    if (i <= m) {
-      for (int k = i; k <= m; ++k)
-        scale += std::fabs(A(k, i));
-      if (scale != 0.0) {
-        for (int k = i; k <= m; ++k) {
-          A(k, i) = A(k, i) / scale;
-          s += A(k, i) * A(k, i);
-        }
-        f = A(i, i);
-        g = -TransferSign(std::sqrt(s), f);
-        h = f * g - s;
-        A(i, i) = f - g;
-        for (int j = l; j <= n; ++j) {
-          s = 0.0;
-          for (int k = i; k <= m; ++k)
-            s += A(k, i) * A(k, j);
-          f = s / h;
-          for (int k = i; k <= m; ++k)
-            A(k, j) += f * A(k, i);
-        }
-        for (int k = i; k <= m; ++k)
-          A(k, i) = scale * A(k, i);
-      }
-    }
-    W(i) = scale * g;
-    g = s = scale = 0.0;
-    if (i <= m && i != n) {
-      for (int k = l; k <= n; ++k)
-        scale += std::fabs(A(i, k));
-      if (scale != 0.0) {
-        for (int k = l; k <= n; ++k) {
-          A(i, k) = A(i, k) / scale;
-          s += A(i, k) * A(i, k);
-        }
-        f = A(i, l);
-        g = -TransferSign(std::sqrt(s), f);
-        h = f * g - s;
-        A(i, l) = f - g;
-        for (int k = l; k <= n; ++k)
-          e[k] = A(i, k) / h;
-        for (int j = l; j <= m; ++j) {
-          s = 0.0;
-          for (int k = l; k <= n; ++k)
-            s += A(j, k) * A(i, k);
-          for (int k = l; k <= n; ++k)
-            A(j, k) += s * e[k];
-        }
-        for (int k = l; k <= n; ++k)
-          A(i, k) = scale * A(i, k);
-      }
-    }
-    B = MaxDouble(B, std::fabs(W(i)) + std::fabs(e[i]));
+// Row arrays as GetBuffer2D gives them, freed at the end of the scope.
+struct RowArrays {
+  explicit RowArrays(const CMatrix &M) : rows(M.GetRows()), table(M.GetBuffer2D()) {}
+  ~RowArrays() {
+    for (int i = 0; i < rows; ++i)
+      ::operator delete(table[i]);
+    ::operator delete(table);
   }
-  for (int i = n; i >= 1; --i) {
-    if (i < n) {
-      if (g != 0.0) {
-        for (int j = l; j <= n; ++j)
-          V(j, i) = (A(i, j) / A(i, l)) / g;
-        for (int j = l; j <= n; ++j) {
-          s = 0.0;
-          for (int k = l; k <= n; ++k)
-            s += A(i, k) * V(k, j);
-          for (int k = l; k <= n; ++k)
-            V(k, j) += s * V(k, i);
-        }
-      }
-      for (int j = l; j <= n; ++j)
-        V(j, i) = V(i, j) = 0.0;
-    }
-    V(i, i) = 1.0;
-    g = e[i];
-    l = i;
+  int rows;
+  double **table;
+};
+
+// 64-bit FNV-1a over the bits of each value, lowest byte first.
+void HashInto(std::uint64_t &hash, const double *values, int count) {
+  for (int k = 0; k < count; ++k) {
+    std::uint64_t bits;
+    std::memcpy(&bits, values + k, sizeof bits);
+    for (int shift = 0; shift < 64; shift += 8)
+      hash = (hash ^ ((bits >> shift) & 0xffu)) * 0x100000001b3u;
   }
-  for (int i = MinInt(m, n); i >= 1; --i) {
-    l = i + 1;
-    g = W(i);
-    for (int j = l; j <= n; ++j)
-      A(i, j) = 0.0;
-    if (g != 0.0) {
-      g = 1.0 / g;
-      for (int j = l; j <= n; ++j) {
-        s = 0.0;
-        for (int k = l; k <= m; ++k)
-          s += A(k, i) * A(k, j);
-        f = (s / A(i, i)) * g;
-        for (int k = i; k <= m; ++k)
-          A(k, j) += f * A(k, i);
-      }
-      for (int j = i; j <= m; ++j)
-        A(j, i) = g * A(j, i);
-    } else {
-      for (int j = i; j <= m; ++j)
-        A(j, i) = 0.0;
-    }
-    A(i, i) = A(i, i) + 1.0;
-  }
-  for (int k = n; k >= 1; --k) {
-    for (int iteration = 1; iteration <= 30; ++iteration) {
-      bool cancel = true;
-      for (l = k; l >= 1; --l) {
-        if (negligible(e[l])) {
-          cancel = false;
-          break;
-        }
-        if (negligible(W(l - 1))) break;
-      }
-      if (cancel) {
-        cs = 0.0;
-        sn = 1.0;
-        for (int i = l; i <= k; ++i) {
-          f = sn * e[i];
-          e[i] = cs * e[i];
-          if (negligible(f)) break;
-          g = W(i);
-          h = StableHypot(f, g);
-          W(i) = h;
-          h = 1.0 / h;
-          cs = g * h;
-          sn = -f * h;
-          for (int j = 1; j <= m; ++j) {
-            y = A(j, l - 1);
-            z = A(j, i);
-            A(j, l - 1) = y * cs + z * sn;
-            A(j, i) = z * cs - y * sn;
-          }
-        }
-      }
-      z = W(k);
-      if (l == k) {
-        if (z < 0.0) {
-          W(k) = -z;
-          for (int j = 1; j <= n; ++j)
-            V(j, k) = -V(j, k);
-        }
-        break;
-      }
-      x = W(l);
-      y = W(k - 1);
-      g = e[k - 1];
-      h = e[k];
-      f = ((y - z) * (y + z) + (g - h) * (g + h)) / (2.0 * h * y);
-      g = StableHypot(f, 1.0);
-      f = ((x - z) * (x + z) + h * (y / (f + TransferSign(g, f)) - h)) / x;
-      cs = sn = 1.0;
-      for (int j = l; j <= k - 1; ++j) {
-        const int i = j + 1;
-        g = e[i];
-        y = W(i);
-        h = sn * g;
-        g = cs * g;
-        z = StableHypot(f, h);
-        e[j] = z;
-        if (z != 0.0) {
-          cs = f / z;
-          sn = h / z;
-        } else {
-          cs = 1.0;
-          sn = 0.0;
-        }
-        f = x * cs + g * sn;
-        g = g * cs - x * sn;
-        h = y * sn;
-        y = y * cs;
-        for (int r = 1; r <= n; ++r) {
-          p = V(r, j);
-          q = V(r, i);
-          V(r, j) = p * cs + q * sn;
-          V(r, i) = q * cs - p * sn;
-        }
-        z = StableHypot(f, h);
-        W(j) = z;
-        if (z != 0.0) {
-          z = 1.0 / z;
-          cs = f * z;
-          sn = h * z;
-        }
-        f = cs * g + sn * y;
-        x = cs * y - sn * g;
-        for (int r = 1; r <= m; ++r) {
-          p = A(r, j);
-          q = A(r, i);
-          A(r, j) = p * cs + q * sn;
-          A(r, i) = q * cs - p * sn;
-        }
-      }
-      e[l] = 0.0;
-      e[k] = f;
-      W(k) = x;
-    }
-  }
-  double lo = 1e25, hi = 1e-25;
-  for (int i = 1; i <= n; ++i) {
-    if (std::fabs(W(i)) > hi) hi = W(i);
-    if (std::fabs(W(i)) < lo) lo = W(i);
-  }
-  return lo / hi;
 }
 
-// Svd as its steps read: separate row arrays from GetBuffer2D, the engine
-// above, and the factors built from the arrays. A wide matrix is padded with
-// zero rows, as Svd does.
-double LiteralSvd(const CMatrix &A, CMatrix &U, CMatrix &S, CMatrix &V) {
-  const int m = A.GetRows();
-  const int n = A.GetCols();
-  const int rows = m < n ? n : m;
-  const CMatrix padded = rows == m ? A : RowCat(A, Zeros(rows - m, n));
-  double **a = padded.GetBuffer2D();
-  double **v = padded.GetBuffer2D();
-  std::vector<double> w(static_cast<std::size_t>(n) + 1);
-  const double r = LiteralSvdCore(a, rows, n, w.data(), v);
-  S = Eye(n);
-  for (int i = 0; i < n; ++i)
-    S(i, i) = w[i];
-  V = CMatrix(v, n, n);
-  U = CMatrix(a, m, n);
-  for (int i = 0; i < rows; ++i) {
-    ::operator delete(a[i]);
-    ::operator delete(v[i]);
-  }
-  ::operator delete(a);
-  ::operator delete(v);
-  return 1.0 / r;
-}
-
-// Lsq as its steps read, with the full pseudo-inverse.
-double LiteralLsq(const CMatrix &A, const CMatrix &b, CMatrix &x) {
-  CMatrix U, S, V;
-  const double cond = LiteralSvd(A, U, S, V);
-  const int m = A.GetRows();
-  const int n = A.GetCols();
-  const double largest = Max(Diag(S))(0);
-  const double tol = static_cast<double>(m < n ? n : m) * largest * 2.220446049250313e-16;
-  for (int i = 0; i < n; ++i)
-    if (S(i, i) < tol) S(i, i) = 0.0;
-  CMatrix T = S;
-  for (int i = 0; i < n; ++i)
-    if (T(i, i) != 0.0) T(i, i) = 1.0 / T(i, i);
-  const CMatrix P = LiteralProduct(LiteralProduct(V, T), Transpose(U));
-  x = LiteralProduct(P, b);
-  return cond;
-}
-
-// Test systems: random, with duplicated columns (rank-deficient), a zero
-// column, signed zeros, tiny and huge scales, and columns permuted in the
-// table.
-std::vector<CMatrix> Systems(TestRandom &random) {
-  std::vector<CMatrix> systems;
-  const int shapes[][2] = {{1, 1}, {2, 2},  {3, 3},   {3, 2},  {4, 4},    {5, 3},   {7, 7},
-                           {9, 4}, {12, 5}, {30, 20}, {40, 9}, {2000, 4}, {3000, 5}};
-  for (const auto &shape : shapes) {
-    const int m = shape[0];
-    const int n = shape[1];
-    CMatrix A = random.Matrix(m, n, -3.0, 3.0);
-    systems.push_back(A);
-    if (n > 1) {
-      CMatrix deficient = A;
-      deficient.SetCol(Col(A, 0), n - 1);
-      systems.push_back(deficient);
-      CMatrix permuted = A;
-      permuted.SwapCols(0, n - 1);
-      systems.push_back(permuted);
-    }
-    CMatrix zeros = A;
-    for (int i = 0; i < m; ++i) {
-      zeros(i, 0) = i % 2 ? -0.0 : 0.0;
-      if (n > 2) zeros(i, 1) = 1e-150 * A(i, 1);
-    }
-    systems.push_back(zeros);
-    systems.push_back(1e120 * A);
-  }
-  systems.push_back(CMatrix(0.0, 6, 3));
-  systems.push_back(Eye(4));
-  systems.push_back(MakeMatrix(3, 3, {1, 2, 3, 4, 5, 6, 7, 8, 9}));
-  return systems;
-}
-
-TEST(SvdFast, CoreMatchesItsPlainSteps) {
+// Test inputs: for each shape a random matrix, the same with its last column a
+// copy of the first (rank-deficient), with its first and last columns exchanged
+// in the column table, and scaled to 1e120 with a column of signed zeros and
+// one 1e-150 times smaller; then a few special matrices and the empty shapes.
+// Wide shapes reach the engine padded with zero rows, as Svd passes them.
+std::vector<CMatrix> Inputs() {
   TestRandom random(31337);
-  for (const CMatrix &A : Systems(random)) {
-    const int m = A.GetRows();
-    const int n = A.GetCols();
-    double **fastA = A.GetBuffer2D();
-    double **fastV = A.GetBuffer2D();
-    double **plainA = A.GetBuffer2D();
-    double **plainV = A.GetBuffer2D();
-    std::vector<double> fastW(n), plainW(n);
-    const double fast = SvdCore(fastA, m, n, fastW.data(), fastV);
-    const double plain = LiteralSvdCore(plainA, m, n, plainW.data(), plainV);
-    EXPECT_TRUE(SameBits(CMatrix(fast, 1, 1), CMatrix(plain, 1, 1))) << Describe(A);
-    EXPECT_TRUE(SameBits(CMatrix(fastW.data(), 1, n), CMatrix(plainW.data(), 1, n)));
-    EXPECT_TRUE(SameBits(CMatrix(fastA, m, n), CMatrix(plainA, m, n))) << m << " x " << n;
-    EXPECT_TRUE(SameBits(CMatrix(fastV, n, n), CMatrix(plainV, n, n))) << m << " x " << n;
-    for (double **rows : {fastA, fastV, plainA, plainV}) {
-      for (int i = 0; i < m; ++i)
-        ::operator delete(rows[i]);
-      ::operator delete(rows);
+  std::vector<CMatrix> inputs;
+  const int shapes[][2] = {{1, 1},  {2, 2},  {3, 2},   {3, 3},  {4, 4},    {5, 3}, {7, 7}, {9, 4},
+                           {12, 5}, {17, 6}, {30, 20}, {40, 9}, {3000, 5}, {2, 5}, {4, 9}};
+  for (const auto &shape : shapes) {
+    const int m = shape[0], n = shape[1];
+    const CMatrix A = random.Matrix(m, n, -3.0, 3.0);
+    CMatrix deficient = A, permuted = A, extreme = 1e120 * A;
+    deficient.SetCol(Col(A, 0), n - 1);
+    permuted.SwapCols(0, n - 1);
+    for (int i = 0; i < m; ++i) {
+      extreme(i, 0) = i % 2 ? -0.0 : 0.0;
+      if (n > 2) extreme(i, 1) = 1e-150 * extreme(i, 1);
     }
+    inputs.insert(inputs.end(), {A, deficient, permuted, extreme});
+  }
+  inputs.insert(inputs.end(), {CMatrix(0.0, 6, 3), CMatrix(-0.0, 4, 3), Eye(4),
+                               MakeMatrix(3, 3, {1, 2, 3, 4, 5, 6, 7, 8, 9}), Zeros(0, 0),
+                               Zeros(3, 0), Zeros(0, 3)});
+  return inputs;
+}
+
+// The results of the engine written out exactly as the algorithm states it
+// (one loop per column, every rotation applied where it arises) on Inputs(),
+// one per input: FNV-1a of w, then v and a row by row, then the returned ratio.
+const std::uint64_t kPlainEngineHashes[] = {
+    0x97513a22dfe25081u, 0x97513a22dfe25081u, 0x97513a22dfe25081u, 0xbd6597a2ec0db705u,
+    0x6253dc5058256d40u, 0x8f10b39d47ea2d8au, 0x68317d948ac045c7u, 0x463b32885dd29cadu,
+    0xc4fbc99320b58e93u, 0x9bab3b271198dc64u, 0x3e5835c44e59148cu, 0xbfe296f8fdbd3902u,
+    0xe554758921de691au, 0xe796a4a957fcd4dcu, 0x8aa4ff604a31339bu, 0x0a47e7bc4b155fe0u,
+    0xd35843125341b12bu, 0x0e613d2dd8bf83a3u, 0xcbc496fac4440258u, 0xcd95cbb2bdab6bddu,
+    0xd881d7521f25b606u, 0xcfb64d3c335bc39fu, 0xa98b36d99f7753aeu, 0x9bc3d7b3a609a45eu,
+    0xfdc9bac44d33cc89u, 0x4b8b30878c5e0250u, 0xb52096cd4ed7a5d1u, 0xceb6684095fd7435u,
+    0xf800cb2ba36df03fu, 0x1151799497c2dae3u, 0xeda2d7ea5bd6fc34u, 0x92558e696ec09ffdu,
+    0xbdde63d2b78f9b3eu, 0x619279589ca9c51du, 0xbe151c02e89794e2u, 0xbcb65a4e72bd6af7u,
+    0xdd74efe9172216b5u, 0x536562cc9861edd1u, 0x9354440a2bbc4c66u, 0x624228d29a8c44efu,
+    0xd4895f6eec828bb3u, 0xfdf6e940a83f9308u, 0x77baf3608c771c92u, 0x714435428e428463u,
+    0xb4e026732ffeddb6u, 0xd99724cee710247bu, 0xc261a7a1928a8c5eu, 0x546f904e3516d9e1u,
+    0x775740c7bd42105du, 0x005d59a270e3554au, 0xa5bb54b1c4019987u, 0x71e12482f8182c15u,
+    0x79e188ea1ea6bbb0u, 0x698a4a91cfd45aadu, 0x6079e749fedae071u, 0xcfaff127f08eedf8u,
+    0x5343c23940e83fb2u, 0x1564b854d394ce43u, 0x816814ffd4e8900du, 0xb250d536661a07f9u,
+    0x1503c5e095270ae5u, 0xf531fabdcaa95725u, 0x1b8edc83e25a88f8u, 0xf9c621b81c659970u,
+    0x741d14d0ef05c6feu, 0x741d14d0ef05c6feu, 0xd4a9840ca9eb0b45u};
+
+TEST(SvdFast, CoreAndFactorsMatchThePlainEngine) {
+  const std::vector<CMatrix> inputs = Inputs();
+  ASSERT_EQ(inputs.size(), sizeof kPlainEngineHashes / sizeof kPlainEngineHashes[0]);
+  for (std::size_t t = 0; t < inputs.size(); ++t) {
+    const CMatrix &A = inputs[t];
+    const int m = A.GetRows(), n = A.GetCols(), rows = m < n ? n : m;
+    RowArrays a(m < n ? RowCat(A, Zeros(n - m, n)) : A), v(Zeros(n, n));
+    std::vector<double> w(static_cast<std::size_t>(n));
+    const double r = SvdCore(a.table, rows, n, w.data(), v.table);
+    std::uint64_t hash = 0xcbf29ce484222325u;
+    HashInto(hash, w.data(), n);
+    for (int i = 0; i < n; ++i)
+      HashInto(hash, v.table[i], n);
+    for (int i = 0; i < rows; ++i)
+      HashInto(hash, a.table[i], n);
+    HashInto(hash, &r, 1);
+    EXPECT_EQ(hash, kPlainEngineHashes[t]) << "input " << t << ", " << m << " x " << n;
+
+    // Svd is the engine on a copy: U is the first m rows of a, S carries w on
+    // its diagonal and +0.0 elsewhere, and the condition number is 1 / r.
+    CMatrix U, S, V, plainS = Eye(n);
+    for (int i = 0; i < n; ++i)
+      plainS(i, i) = w[i];
+    const double cond = Svd(A, U, S, V);
+    EXPECT_TRUE(SameBits(U, CMatrix(a.table, m, n))) << "input " << t;
+    EXPECT_TRUE(SameBits(S, plainS)) << "input " << t;
+    EXPECT_TRUE(SameBits(V, CMatrix(v.table, n, n))) << "input " << t;
+    EXPECT_TRUE(SameBits(CMatrix(cond, 1, 1), CMatrix(1.0 / r, 1, 1))) << "input " << t;
+    EXPECT_TRUE(SameBits(CMatrix(Cond(A), 1, 1), CMatrix(cond, 1, 1))) << "input " << t;
   }
 }
 
-TEST(SvdFast, FactorsAndSolutionsMatchPlainSteps) {
+TEST(SvdFast, LsqMatchesThePlainFormulation) {
   TestRandom random(4242);
-  std::vector<CMatrix> systems = Systems(random);
-  // Wide systems go through the zero-row padding.
-  systems.push_back(random.Matrix(2, 5));
-  systems.push_back(CMatrix(0.0, 1, 3));
-  for (const CMatrix &A : systems) {
-    CMatrix U, S, V, plainU, plainS, plainV;
-    const double fast = Svd(A, U, S, V);
-    const double plain = LiteralSvd(A, plainU, plainS, plainV);
-    EXPECT_TRUE(SameBits(CMatrix(fast, 1, 1), CMatrix(plain, 1, 1))) << Describe(A);
-    EXPECT_TRUE(SameBits(U, plainU));
-    EXPECT_TRUE(SameBits(S, plainS));
-    EXPECT_TRUE(SameBits(V, plainV));
-
-    const int m = A.GetRows();
+  for (const CMatrix &A : Inputs()) {
+    const int m = A.GetRows(), n = A.GetCols();
     for (int k : {1, 3}) {
       CMatrix b = random.Matrix(m, k, -5.0, 5.0);
       if (m > 1) b(1, 0) = -0.0;
-      CMatrix x, plainX;
-      const double cond = Lsq(A, b, x);
-      const double plainCond = LiteralLsq(A, b, plainX);
-      EXPECT_TRUE(SameBits(CMatrix(cond, 1, 1), CMatrix(plainCond, 1, 1)));
+      // The pseudo-inverse from Svd with the rank threshold, then P * b.
+      CMatrix U, T, V, x;
+      const double cond = Svd(A, U, T, V);
+      if (n > 0) {
+        const double tol =
+            static_cast<double>(m < n ? n : m) * Max(Diag(T))(0) * 2.220446049250313e-16;
+        for (int i = 0; i < n; ++i) {
+          if (T(i, i) < tol) T(i, i) = 0.0;
+          if (T(i, i) != 0.0) T(i, i) = 1.0 / T(i, i);
+        }
+      }
+      const CMatrix plainX = n > 0 ? (V * T) * Transpose(U) * b : CMatrix(0.0, 0, k);
+      EXPECT_TRUE(SameBits(CMatrix(Lsq(A, b, x), 1, 1), CMatrix(cond, 1, 1)));
       EXPECT_TRUE(SameBits(x, plainX)) << Describe(A);
       // The solution may overwrite the right-hand side.
       Lsq(A, b, b);
@@ -370,8 +153,7 @@ TEST(SvdFast, FactorsAndSolutionsMatchPlainSteps) {
 }
 
 TEST(SvdFast, SmallDecompositionsStayOffTheHeap) {
-  TestRandom random(9);
-  const CMatrix A = random.Matrix(3, 3);
+  const CMatrix A = TestRandom(9).Matrix(3, 3);
   CMatrix U, S, V;
   Svd(A, U, S, V);
   AllocationScope scope;

@@ -8,7 +8,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <sstream>
+#include <iterator>
 #include <stdexcept>
 
 extern char **environ;
@@ -39,9 +39,7 @@ std::string WriteScratchFile(const std::string &name, const std::string &text) {
 
 std::string ReadWholeFile(const std::string &path) {
   std::ifstream in(path, std::ios::binary);
-  std::ostringstream text;
-  text << in.rdbuf();
-  return text.str();
+  return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
 }
 
 ToolRun RunTool(const std::vector<std::string> &args, const std::string &stdinPath) {
@@ -60,9 +58,8 @@ ToolRun RunTool(const std::vector<std::string> &args, const std::string &stdinPa
                                    O_WRONLY | O_CREAT | O_TRUNC, 0644);
   posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, errPath.c_str(),
                                    O_WRONLY | O_CREAT | O_TRUNC, 0644);
-  std::vector<std::string> words = {QUADREL_FIT_PATH};
-  words.insert(words.end(), args.begin(), args.end());
-  std::vector<char *> argv;
+  std::vector<std::string> words = args;
+  std::vector<char *> argv = {const_cast<char *>(QUADREL_FIT_PATH)};
   for (std::string &word : words)
     argv.push_back(word.data());
   argv.push_back(nullptr);
