@@ -14,81 +14,60 @@
 
 namespace {
 
-// Points on a tilted circle of radius 2 with a small deterministic wobble.
-CMatrix CirclePoints(int n, double phase) {
-  CMatrix p(3, n);
-  for (int k = 0; k < n; ++k) {
-    const double t = 6.283185307179586 * k / n + phase;
-    const double w = 1e-3 * std::sin(7.0 * t);
-    p(0, k) = 1.0 + 2.0 * std::cos(t) + w;
-    p(1, k) = -0.5 + 2.0 * std::sin(t) * 0.8;
-    p(2, k) = 0.3 + 2.0 * std::sin(t) * 0.6 - w;
-  }
-  return p;
-}
-
-// One thread's work: every heavy family on matrices of its own.
+// One thread's work: every heavy family on matrices of its own, seeded apart.
 std::uint64_t Work(int seed) {
   BitHash hash;
-  const double phase = 0.1 * seed;
-  const CMatrix points = CirclePoints(200 + seed, phase);
-  CMatrix c, d, r, n;
+  auto add = [&hash](const auto &...values) { (hash.Add(values), ...); };
+  // Points on a tilted circle of radius 2 with a small deterministic wobble.
+  const int n = 200 + seed;
+  CMatrix points(3, n), c, d, r, normal, u, s, v, x, pose, peak;
+  for (int k = 0; k < n; ++k) {
+    const double t = 6.283185307179586 * k / n + 0.1 * seed, w = 1e-3 * std::sin(7.0 * t);
+    points(0, k) = 1.0 + 2.0 * std::cos(t) + w;
+    points(1, k) = -0.5 + 2.0 * std::sin(t) * 0.8;
+    points(2, k) = 0.3 + 2.0 * std::sin(t) * 0.6 - w;
+  }
   double radius = 0;
   LineFit(points, c, d, r);
-  hash.Add(c), hash.Add(d), hash.Add(r);
-  PlaneFit(points, c, n, r);
-  hash.Add(c), hash.Add(n), hash.Add(r);
-  CircleFit(points, c, n, radius, r);
-  hash.Add(c), hash.Add(n), hash.Add(radius), hash.Add(r);
+  add(c, d, r);
+  PlaneFit(points, c, normal, r);
+  add(c, normal, r);
+  CircleFit(points, c, normal, radius, r);
+  add(c, normal, radius, r);
   SphereFit(points, c, radius, r);
-  hash.Add(c), hash.Add(radius), hash.Add(r);
+  add(c, radius, r);
 
   CMatrix a(5, 4);
-  for (int i = 0; i < 5; ++i)
-    for (int j = 0; j < 4; ++j)
-      a(i, j) = std::cos(1.0 + i * 4 + j + phase);
-  CMatrix u, s, v, x;
-  hash.Add(Svd(a, u, s, v));
-  hash.Add(u), hash.Add(s), hash.Add(v);
-  hash.Add(Lsq(a, Ones(5, 1), x));
-  hash.Add(x);
-  CMatrix square = Transpose(a) * a;
-  hash.Add(Inv(square));
-  hash.Add(Det(square));
+  for (int k = 0; k < 20; ++k)
+    a(k / 4, k % 4) = std::cos(1.0 + k + 0.1 * seed);
+  add(Svd(a, u, s, v), u, s, v, Lsq(a, Ones(5, 1), x), x);
+  const CMatrix square = Transpose(a) * a;
+  add(Inv(square), Det(square));
 
-  // A cube corner at (1, 2, 3): points on the planes x = 1, y = 2, z = 3.
+  // A cube corner at (1, 2, 3): points on the planes x = 1, y = 2, z = 3; and
+  // a quality surface on a 7 x 7 grid.
   CMatrix faces[3] = {CMatrix(3, 12), CMatrix(3, 12), CMatrix(3, 12)};
   for (int f = 0; f < 3; ++f)
     for (int k = 0; k < 12; ++k) {
-      const double p = 0.5 + 0.25 * (k % 4) + 0.01 * seed, q = 0.5 + 0.3 * (k / 4);
       faces[f](f, k) = 1.0 + f;
-      faces[f]((f + 1) % 3, k) = 1.0 + (f + 1) % 3 + p;
-      faces[f]((f + 2) % 3, k) = 1.0 + (f + 2) % 3 + q;
+      faces[f]((f + 1) % 3, k) = 1.0 + (f + 1) % 3 + 0.5 + 0.25 * (k % 4) + 0.01 * seed;
+      faces[f]((f + 2) % 3, k) = 1.0 + (f + 2) % 3 + 0.5 + 0.3 * (k / 4);
     }
-  CMatrix pose;
-  hash.Add(IdealTrihedralFit(faces[0], faces[1], faces[2], pose, 1.5707963267948966));
-  hash.Add(pose);
-
-  CMatrix quality(49, 1), positions(2, 49), peak;
+  CMatrix quality(49, 1), positions(2, 49);
   for (int k = 0; k < 49; ++k) {
-    const double gx = k / 7 - 3.0, gy = k % 7 - 3.0;
-    positions(0, k) = gx;
-    positions(1, k) = gy;
+    const double gx = positions(0, k) = k / 7 - 3.0, gy = positions(1, k) = k % 7 - 3.0;
     quality(k) = 100 - 2 * (gx - 0.4) * (gx - 0.4) - 3 * (gy + 0.7) * (gy + 0.7) + 0.01 * seed;
   }
-  hash.Add(FindQualityPeak(quality, positions, peak));
-  hash.Add(peak);
+  add(IdealTrihedralFit(faces[0], faces[1], faces[2], pose, 1.5707963267948966), pose);
+  add(FindQualityPeak(quality, positions, peak), peak);
   return hash.Value();
 }
 
 TEST(Concurrency, DistinctMatricesOnManyThreadsGiveTheSingleThreadBits) {
-  constexpr int kThreads = 4;
-  constexpr int kRounds = 3;
-  std::vector<std::uint64_t> expected(kThreads);
+  constexpr int kThreads = 4, kRounds = 3;
+  std::vector<std::uint64_t> expected(kThreads), got(kThreads * kRounds);
   for (int t = 0; t < kThreads; ++t)
     expected[t] = Work(t);
-
-  std::vector<std::uint64_t> got(kThreads * kRounds);
   std::vector<std::thread> threads;
   for (int t = 0; t < kThreads; ++t)
     threads.emplace_back([t, &got] {
@@ -97,9 +76,9 @@ TEST(Concurrency, DistinctMatricesOnManyThreadsGiveTheSingleThreadBits) {
     });
   for (std::thread &thread : threads)
     thread.join();
-  for (int t = 0; t < kThreads; ++t)
-    for (int round = 0; round < kRounds; ++round)
-      EXPECT_EQ(got[t * kRounds + round], expected[t]) << "thread " << t << ", round " << round;
+  for (int k = 0; k < kThreads * kRounds; ++k)
+    EXPECT_EQ(got[k], expected[k / kRounds])
+        << "thread " << k / kRounds << ", round " << k % kRounds;
 }
 
 }  // namespace

@@ -6,16 +6,7 @@
 
 #include <gtest/gtest.h>
 
-#include "quadrel/estimators/quality_peak.h"
-#include "quadrel/estimators/trihedral.h"
-#include "quadrel/fitting/circle_sphere.h"
-#include "quadrel/fitting/ellipse.h"
-#include "quadrel/fitting/line_plane.h"
-#include "quadrel/fitting/paraboloid.h"
-#include "quadrel/functions/rearrange.h"
-#include "quadrel/linalg/least_squares.h"
-#include "quadrel/linalg/svd.h"
-#include "quadrel/matrix/operators.h"
+#include "quadrel/quadrel.h"
 #include "quadrel/testing/alloc_counter.h"
 #include "quadrel/testing/test_util.h"
 
@@ -26,41 +17,35 @@ TEST(AllocationFailure, EveryCallFreesWhatItTookOnTheWayOut) {
     CMatrix p(3, n);
     for (int k = 0; k < n; ++k) {
       const double t = 2.0 * M_PI * std::pow(static_cast<double>(k) / n, 1.5);
-      const double u = 3.0 * std::cos(t), v = 2.0 * std::sin(t);
-      p(0, k) = u + 1.0;
-      p(1, k) = 0.6 * v - 2.0;
-      p(2, k) = 0.8 * v + 0.5 + 0.001 * std::cos(5.0 * t);
+      p(0, k) = 3.0 * std::cos(t) + 1.0;
+      p(1, k) = 0.6 * (2.0 * std::sin(t)) - 2.0;
+      p(2, k) = 0.8 * (2.0 * std::sin(t)) + 0.5 + 0.001 * std::cos(5.0 * t);
     }
     return p;
   };
   const CMatrix big(1.5, 4, 5), bigger(2.5, 6, 6), points = ellipse(24), few = ellipse(12);
   TestRandom random(7);
   const CMatrix A = random.Matrix(12, 4), b = random.Matrix(12, 2);
-  // Four points on each of the planes x = 1, y = 2, z = 3.
+  // Four points on each of the planes x = 1, y = 2, z = 3, and a quality
+  // surface on a 5 x 5 grid.
   const CMatrix onX = MakeMatrix(3, 4, {1, 1, 1, 1, 3, 4, 5, 3, 4, 4, 5, 6});
   const CMatrix onY = MakeMatrix(3, 4, {2, 3, 4, 2, 2, 2, 2, 2, 4, 4, 5, 6});
   const CMatrix onZ = MakeMatrix(3, 4, {2, 3, 4, 2, 3, 4, 5, 3, 3, 3, 3, 3});
   CMatrix quality(25, 1), positions(2, 25);
   for (int k = 0; k < 25; ++k) {
-    const double x = k / 5 - 2.0, y = k % 5 - 2.0;
-    positions(0, k) = x;
-    positions(1, k) = y;
+    const double x = positions(0, k) = k / 5 - 2.0, y = positions(1, k) = k % 5 - 2.0;
     quality(k) = 10.0 - (x - 0.3) * (x - 0.3) - 2.0 * (y + 0.2) * (y + 0.2);
   }
-  // Each call gets fresh outputs that are gone when it returns.
+  // Each call gets fresh outputs that are gone when it returns. Assignment
+  // makes new blocks, then reuses them.
   using Out = CMatrix &;
   double d1 = 0.0, d2 = 0.0, d3 = 0.0;
-  const struct {
-    const char *name;
-    std::function<void(Out, Out, Out)> call;
-  } calls[] = {
+  const std::pair<const char *, std::function<void(Out, Out, Out)>> calls[] = {
       {"copy", [&](Out, Out, Out) { EXPECT_TRUE(SameBits(CMatrix(big), big)); }},
       {"assignment",
-       [&](Out small, Out target, Out) {
-         small = big;  // new blocks
-         target = bigger;
-         target = big;  // blocks reused
-         EXPECT_TRUE(SameBits(target, big));
+       [&](Out m, Out t, Out) {
+         m = big, t = bigger;
+         EXPECT_TRUE(SameBits(t = big, big));
        }},
       {"Resize", [&](Out grown, Out, Out) { grown = big, grown.Resize(7, 8), grown.Resize(2, 2); }},
       {"GetBuffer2D",
@@ -85,34 +70,31 @@ TEST(AllocationFailure, EveryCallFreesWhatItTookOnTheWayOut) {
   };
   // Runs each call with the first, second, third ... allocation failing, until
   // a run sees no failure.
-  for (const auto &c : calls) {
-    for (std::size_t k = 0;; ++k) {
+  for (const auto &[name, call] : calls) {
+    bool fired = true;
+    std::size_t k = 0;
+    for (; fired && k <= 100000; ++k) {
       const long long before = LiveBlocks();
       bool threw = false;
       AllocationFailureAfter(k);
       try {
         CMatrix out1, out2, out3;
-        c.call(out1, out2, out3);
+        call(out1, out2, out3);
       } catch (const std::bad_alloc &) {
         threw = true;
       }
-      const bool fired = AllocationFailureFired();
+      fired = AllocationFailureFired();
       AllocationFailureOff();
       EXPECT_EQ(LiveBlocks(), before)
-          << c.name << ": blocks left with allocation " << k << " failing";
-      EXPECT_EQ(threw, fired) << c.name << ", allocation " << k;
-      if (!fired || k > 100000) {
-        EXPECT_TRUE(k > 0 && !fired)
-            << c.name << " made no allocation to fail or never got through";
-        break;
-      }
+          << name << ": blocks left with allocation " << k << " failing";
+      EXPECT_EQ(threw, fired) << name << ", allocation " << k;
     }
+    EXPECT_TRUE(k > 1 && !fired) << name << " made no allocation to fail or never got through";
   }
   // A failed assignment leaves a matrix that can still be assigned and freed.
   CMatrix survivor(0.0, 2, 2);
   AllocationFailureAfter(0);
   EXPECT_THROW(survivor = bigger, std::bad_alloc);
   AllocationFailureOff();
-  survivor = big;
-  EXPECT_TRUE(SameBits(survivor, big));
+  EXPECT_TRUE(SameBits(survivor = big, big));
 }

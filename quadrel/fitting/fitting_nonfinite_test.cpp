@@ -18,104 +18,61 @@ const double kNaN = std::numeric_limits<double>::quiet_NaN();
 const double kInf = std::numeric_limits<double>::infinity();
 
 // Eight points near an ellipse in a tilted plane, and near z = x^2 + y^2 / 2
-// for the paraboloid (z is replaced there).
-CMatrix Points() {
+// for the paraboloid (z is replaced there); element (1, 3) set to bad, or with
+// scale 1e160, finite points whose scatter overflows.
+CMatrix Points(double bad, double scale = 1.0) {
   CMatrix p(3, 8);
   for (int k = 0; k < 8; ++k) {
     const double t = 0.7 * k;
     p(0, k) = 2.0 * std::cos(t) + 1.0;
     p(1, k) = 1.5 * std::sin(t) - 2.0;
     p(2, k) = 0.2 * p(0, k) + 3.0 + 0.01 * std::cos(3.0 * t);
-  }
-  return p;
-}
-
-// The points with element (1, 3) replaced by bad.
-CMatrix Spoilt(double bad) {
-  CMatrix p = Points();
-  p(1, 3) = bad;
-  return p;
-}
-
-// Finite points so far out that the squares in their scatter overflow.
-CMatrix Huge() {
-  CMatrix p = Points();
-  for (int k = 0; k < 8; ++k)
     for (int i = 0; i < 3; ++i)
-      p(i, k) *= 1e160;
+      p(i, k) *= scale;
+  }
+  p(1, 3) = std::isfinite(bad) ? p(1, 3) : bad;
   return p;
-}
-
-bool AllNaN(const CMatrix &m) {
-  for (int k = 0; k < m.GetRows() * m.GetCols(); ++k)
-    if (!std::isnan(m(k / m.GetCols(), k % m.GetCols()))) return false;
-  return true;
 }
 
 bool Shape(const CMatrix &m, int rows, int cols) {
   return m.GetRows() == rows && m.GetCols() == cols;
 }
 
-double NaNObjective(const CMatrix &, const CMatrix &) {
-  return kNaN;
-}
-
 }  // namespace
 
-TEST(FittingNonFinite, LineFitWithoutAMeasurableScatterFallsBackToTheXAxis) {
-  // NaN, infinity or overflow leave no quadratic form that passes the strict
-  // test: the fit takes the fixed direction and zero residuals, as for
-  // coincident points. The centroid shows what went wrong.
-  for (const CMatrix &points : {Spoilt(kNaN), Spoilt(kInf), Huge()}) {
-    CMatrix centroid, direction, residuals;
+// NaN, infinity or overflow leave no quadratic form that passes the strict
+// tests. LineFit takes the x axis and zero residuals, as for coincident points,
+// with the centroid showing what went wrong; PlaneFit falls back to column 0
+// of V, and CircleFit and EllipseFit, which start from it, inherit that.
+TEST(FittingNonFinite, LinePlaneCircleAndEllipseFitsFallBackToDefinedOutputs) {
+  for (const CMatrix &points : {Points(kNaN), Points(kInf), Points(0.0, 1e160)}) {
+    CMatrix centroid, direction, normal, residuals, foci;
+    double radius = 0.0, focalSum = 0.0;
     LineFit(points, centroid, direction, residuals);
     EXPECT_TRUE(Shape(centroid, 3, 1) && SameBits(direction, MakeCol({1, 0, 0})));
-    EXPECT_TRUE(SameBits(residuals, CMatrix(0.0, 8, 1)));
-    EXPECT_TRUE(std::isfinite(centroid(0)));
-  }
-}
-
-// No column of V has a quadratic form that is a number here; PlaneFit falls
-// back to column 0.
-TEST(FittingNonFinite, PlaneFitOnNaNOrOverflowGivesDefinedOutputs) {
-  for (const CMatrix &points : {Spoilt(kNaN), Spoilt(kInf), Huge()}) {
-    CMatrix centroid, normal, residuals;
+    EXPECT_TRUE(SameBits(residuals, CMatrix(0.0, 8, 1)) && std::isfinite(centroid(0)));
     PlaneFit(points, centroid, normal, residuals);
     EXPECT_TRUE(Shape(centroid, 3, 1) && Shape(normal, 3, 1) && Shape(residuals, 8, 1));
-  }
-}
-
-// CircleFit and EllipseFit start from PlaneFit and inherit its fallback.
-TEST(FittingNonFinite, CircleAndEllipseFitsOnNaNOrOverflowGiveDefinedOutputs) {
-  for (const CMatrix &points : {Spoilt(kNaN), Spoilt(kInf), Huge()}) {
-    CMatrix centre, normal, residuals, foci;
-    double radius = 0.0;
-    CircleFit(points, centre, normal, radius, residuals);
-    EXPECT_TRUE(Shape(centre, 3, 1) && Shape(normal, 3, 1) && Shape(residuals, 8, 1));
-    double focalSum = 0.0;
+    CircleFit(points, centroid, normal, radius, residuals);
+    EXPECT_TRUE(Shape(centroid, 3, 1) && Shape(normal, 3, 1) && Shape(residuals, 8, 1));
     EllipseFit(points, foci, normal, focalSum, residuals);
     EXPECT_TRUE(Shape(foci, 3, 2) && Shape(normal, 3, 1) && Shape(residuals, 8, 1));
   }
 }
 
 TEST(FittingNonFinite, SphereAndParaboloidFitsGiveNaNThroughout) {
-  for (double bad : {kNaN, kInf}) {
-    CMatrix centre, residuals;
-    double radius = 0.0;
-    SphereFit(Spoilt(bad), centre, radius, residuals);
-    EXPECT_TRUE(Shape(centre, 3, 1) && AllNaN(centre) && std::isnan(radius)) << bad;
-    EXPECT_TRUE(Shape(residuals, 1, 8) && AllNaN(residuals)) << bad;
-
-    CMatrix vertex;
-    double a = 0.0, b = 0.0, sign = 0.0;
-    ParaboloidFit(Spoilt(bad), vertex, a, b, sign, residuals);
-    // A NaN curvature is not negative.
-    EXPECT_TRUE(AllNaN(vertex) && std::isnan(a) && std::isnan(b) && sign == 1.0) << bad;
-    EXPECT_TRUE(Shape(residuals, 1, 8) && AllNaN(residuals)) << bad;
-  }
+  const CMatrix nan3(kNaN, 3, 1), nan8(kNaN, 1, 8);
   CMatrix centre, residuals;
-  double radius = 0.0;
-  SphereFit(Huge(), centre, radius, residuals);
+  double radius = 0.0, a = 0.0, b = 0.0, sign = 0.0;
+  for (double bad : {kNaN, kInf}) {
+    SphereFit(Points(bad), centre, radius, residuals);
+    EXPECT_TRUE(SameValues(centre, nan3) && SameValues(residuals, nan8) && std::isnan(radius));
+    ParaboloidFit(Points(bad), centre, a, b, sign, residuals);
+    // A NaN curvature is not negative.
+    EXPECT_TRUE(SameValues(centre, nan3) && SameValues(residuals, nan8));
+    EXPECT_TRUE(std::isnan(a) && std::isnan(b) && sign == 1.0) << bad;
+  }
+  SphereFit(Points(0.0, 1e160), centre, radius, residuals);
   EXPECT_TRUE(Shape(centre, 3, 1) && Shape(residuals, 1, 8));
 }
 
@@ -125,7 +82,7 @@ TEST(FittingNonFinite, SimplexSearchOnNaNCostsRunsToItsLimit) {
   CMatrix x = MakeCol({1.0, 2.0});
   double tolX = 1e-8, tolF = 1e-8;
   int maxIter = 50;
-  SimplexMin(NaNObjective, x, CMatrix(), tolX, tolF, maxIter);
-  EXPECT_EQ(maxIter, 50);
-  EXPECT_TRUE(Shape(x, 2, 1));
+  SimplexMin([](const CMatrix &, const CMatrix &) { return kNaN; }, x, CMatrix(), tolX, tolF,
+             maxIter);
+  EXPECT_TRUE(maxIter == 50 && Shape(x, 2, 1));
 }
