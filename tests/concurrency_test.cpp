@@ -10,7 +10,7 @@
 
 #include <quadrel/quadrel.h>
 
-#include "bit_hash.h"
+#include "quadrel/testing/bit_hash.h"
 
 namespace {
 

@@ -16,6 +16,7 @@
 #include "quadrel/linalg/svd_core.h"
 #include "quadrel/matrix/operators.h"
 #include "quadrel/testing/alloc_counter.h"
+#include "quadrel/testing/bit_hash.h"
 #include "quadrel/testing/test_util.h"
 
 namespace {
@@ -31,16 +32,6 @@ struct RowArrays {
   int rows;
   double **table;
 };
-
-// 64-bit FNV-1a over the bits of each value, lowest byte first.
-void HashInto(std::uint64_t &hash, const double *values, int count) {
-  for (int k = 0; k < count; ++k) {
-    std::uint64_t bits;
-    std::memcpy(&bits, values + k, sizeof bits);
-    for (int shift = 0; shift < 64; shift += 8)
-      hash = (hash ^ ((bits >> shift) & 0xffu)) * 0x100000001b3u;
-  }
-}
 
 // Test inputs: for each shape a random matrix, the same with its last column a
 // copy of the first (rank-deficient), with its first and last columns exchanged
@@ -101,14 +92,14 @@ TEST(SvdFast, CoreAndFactorsMatchThePlainEngine) {
     RowArrays a(m < n ? RowCat(A, Zeros(n - m, n)) : A), v(Zeros(n, n));
     std::vector<double> w(static_cast<std::size_t>(n));
     const double r = SvdCore(a.table, rows, n, w.data(), v.table);
-    std::uint64_t hash = 0xcbf29ce484222325u;
-    HashInto(hash, w.data(), n);
+    BitHash hash;
+    hash.Add(w.data(), n);
     for (int i = 0; i < n; ++i)
-      HashInto(hash, v.table[i], n);
+      hash.Add(v.table[i], n);
     for (int i = 0; i < rows; ++i)
-      HashInto(hash, a.table[i], n);
-    HashInto(hash, &r, 1);
-    EXPECT_EQ(hash, kPlainEngineHashes[t]) << "input " << t << ", " << m << " x " << n;
+      hash.Add(a.table[i], n);
+    hash.Add(r);
+    EXPECT_EQ(hash.Value(), kPlainEngineHashes[t]) << "input " << t << ", " << m << " x " << n;
 
     // Svd is the engine on a copy: U is the first m rows of a, S carries w on
     // its diagonal and +0.0 elsewhere, and the condition number is 1 / r.
