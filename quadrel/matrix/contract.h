@@ -42,7 +42,8 @@ std::string QuadrelDims(const CMatrix &matrix);
 // "incompatible matrix dimensions: 3 x 4 and 5 x 6".
 std::string QuadrelSizeMismatch(const CMatrix &a, const CMatrix &b);
 
-// True if every element is finite (no NaN, no infinity).
+// True if every element is finite (no NaN, no infinity). Besides checks, the
+// estimators' guards against non-finite input use it in every build.
 bool QuadrelAllFinite(const CMatrix &matrix);
 
 #endif  // QUADREL_MATRIX_CONTRACT_H
