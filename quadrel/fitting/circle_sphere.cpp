@@ -13,10 +13,22 @@
 #include "quadrel/geometry/rotations.h"
 #include "quadrel/geometry/vectors.h"
 #include "quadrel/linalg/least_squares.h"
+#include "quadrel/linalg/tall_lsq.h"
 #include "quadrel/matrix/access.h"
 #include "quadrel/matrix/contract.h"
 #include "quadrel/matrix/operators.h"
 #include "quadrel/matrix/scalar.h"
+
+namespace {
+
+// Asks early for the column table of a point set and for the point kAhead
+// places on, for a loop over the points in order.
+inline void StreamPoints(const double *const *p, int i, int n) {
+  Ahead(p + i);
+  if (n - i > static_cast<int>(kAhead)) Fetch(p[i + kAhead]);
+}
+
+}  // namespace
 
 void CircleFit(const CMatrix &points, CMatrix &centre, CMatrix &normal, double &radius,
                CMatrix &residuals) {
@@ -110,16 +122,25 @@ void SphereFit(const CMatrix &points, CMatrix &centre, double &radius, CMatrix &
                   QuadrelFormat("a sphere needs at least 4 points, got %d", points.GetCols()));
   QUADREL_EXPECTS(&centre != &points && &residuals != &points, "an output is the points object");
 
+  // The design matrix D, rows (1, 2x, 2y, 2z), and the right-hand side
+  // x*x + y*y + z*z, as columns that TallLsq may work on in place; it gives
+  // what Lsq(D, b, a) gives.
   const int n = points.GetCols();
-  CMatrix D(n, 4);
-  CMatrix b(n, 1);
-  double *d0 = CMatrixAccess::Col(D, 0);
-  double *d1 = CMatrixAccess::Col(D, 1);
-  double *d2 = CMatrixAccess::Col(D, 2);
-  double *d3 = CMatrixAccess::Col(D, 3);
-  double *rhs = CMatrixAccess::Col(b, 0);
+  TallColumns D(n, 5);
+  double *d0 = D[0];
+  double *d1 = D[1];
+  double *d2 = D[2];
+  double *d3 = D[3];
+  double *rhs = D[4];
+  const double *const *p = CMatrixAccess::Table(points);
   for (int i = 0; i < n; ++i) {
-    const double *point = CMatrixAccess::Col(points, i);
+    StreamPoints(p, i, n);
+    Ahead(d0 + i);
+    Ahead(d1 + i);
+    Ahead(d2 + i);
+    Ahead(d3 + i);
+    Ahead(rhs + i);
+    const double *point = p[i];
     const double x = point[0];
     const double y = point[1];
     const double z = point[2];
@@ -130,26 +151,28 @@ void SphereFit(const CMatrix &points, CMatrix &centre, double &radius, CMatrix &
     rhs[i] = x * x + y * y + z * z;
   }
 
-  CMatrix a;
-  Lsq(D, b, a);
-  radius = std::sqrt(AbsRef(a(0) + a(1) * a(1) + a(2) * a(2) + a(3) * a(3)));
+  double a[4];
+  TallLsq(D.Table(), n, 4, rhs, a);
+  radius = std::sqrt(AbsRef(a[0] + a[1] * a[1] + a[2] * a[2] + a[3] * a[3]));
 
-  const double centreAt[3] = {a(1), a(2), a(3)};
+  const double centreAt[3] = {a[1], a[2], a[3]};
   CMatrixAccess::Reshape(centre, 3, 1);
   for (int k = 0; k < 3; ++k)
     centre(k) = centreAt[k];
 
   // residuals(i) = Norm2(Col(points, i) - centre) - radius, with the norm's sum
   // of squares from 0.0 in rising index.
+  // Reshape leaves the identity column table: element i is Data()[i].
   CMatrixAccess::Reshape(residuals, 1, n);
-  double *const *residual = CMatrixAccess::Table(residuals);
-  const double *const *p = CMatrixAccess::Table(points);
+  double *residual = CMatrixAccess::Data(residuals);
   for (int i = 0; i < n; ++i) {
+    StreamPoints(p, i, n);
+    Ahead(residual + i);
     double sum = 0.0;
     for (int k = 0; k < 3; ++k) {
       const double difference = p[i][k] - centreAt[k];
       sum += difference * difference;
     }
-    residual[i][0] = std::sqrt(sum) - radius;
+    residual[i] = std::sqrt(sum) - radius;
   }
 }

@@ -5,6 +5,7 @@
 
 #include "quadrel/linalg/svd.h"
 #include "quadrel/linalg/svd_core.h"
+#include "quadrel/linalg/tall_lsq.h"
 #include "quadrel/matrix/access.h"
 #include "quadrel/matrix/contract.h"
 
@@ -121,6 +122,22 @@ double Lsq(const CMatrix &A, const CMatrix &b, CMatrix &x) {
     const double cond = Cond(A);
     x = CMatrix(0.0, 0, b.GetCols());
     return cond;
+  }
+
+  if (b.GetCols() == 1 && m >= n && n <= kTallLsqMaxUnknowns) {
+    // The usual system of the fits: TallLsq on a copy of the columns, on the
+    // stack for a few rows only, as in Rows.
+    Scratch<double, 64> columns(static_cast<std::size_t>(m) * static_cast<std::size_t>(n), m <= 8);
+    double *table[kTallLsqMaxUnknowns];
+    for (int j = 0; j < n; ++j) {
+      table[j] = columns.Data() + static_cast<std::ptrdiff_t>(j) * m;
+      const double *from = CMatrixAccess::Col(A, j);
+      for (int k = 0; k < m; ++k)
+        table[j][k] = from[k];
+    }
+    CMatrix R(n, 1);
+    const double cond = TallLsq(table, m, n, CMatrixAccess::Col(b, 0), CMatrixAccess::Col(R, 0));
+    return Finish(R, x, cond);
   }
 
   // Svd works on a wide matrix as if padded with zero rows to n x n.

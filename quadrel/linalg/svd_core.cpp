@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <new>
 
+#include "quadrel/linalg/svd_steps.h"
 #include "quadrel/matrix/access.h"
 #include "quadrel/matrix/scalar.h"
 
@@ -68,7 +69,7 @@ class RotationQueue {
   // (first * cs + second * sn, second * cs - first * sn).
   void Add(int first, int second, double cs, double sn) {
     if (count_ == kCapacity) Flush();
-    Rotation &r = queue_[count_++];
+    PlaneRotation &r = queue_[count_++];
     r.first = first - 1;
     r.second = second - 1;
     r.cs = cs;
@@ -90,17 +91,9 @@ class RotationQueue {
           buffer_[(c - low_) * kBlock + r] = x[c];
       }
       for (int t = 0; t < count_; ++t) {
-        const Rotation &rotation = queue_[t];
-        double *first = buffer_ + (rotation.first - low_) * kBlock;
-        double *second = buffer_ + (rotation.second - low_) * kBlock;
-        const DoublePair cs = SplatPair(rotation.cs);
-        const DoublePair sn = SplatPair(rotation.sn);
-        for (int r = 0; r < kBlock; r += 2) {
-          const DoublePair p = LoadPair(first + r);
-          const DoublePair q = LoadPair(second + r);
-          StorePair(first + r, p * cs + q * sn);
-          StorePair(second + r, q * cs - p * sn);
-        }
+        const PlaneRotation &rotation = queue_[t];
+        RotateBlock<kBlock>(buffer_ + (rotation.first - low_) * kBlock,
+                            buffer_ + (rotation.second - low_) * kBlock, rotation);
       }
       for (int r = 0; r < kBlock; ++r) {
         double *x = a_[row + r];
@@ -111,7 +104,7 @@ class RotationQueue {
     for (; row < m_; ++row) {
       double *x = a_[row];
       for (int t = 0; t < count_; ++t) {
-        const Rotation &rotation = queue_[t];
+        const PlaneRotation &rotation = queue_[t];
         const double p = x[rotation.first];
         const double q = x[rotation.second];
         x[rotation.first] = p * rotation.cs + q * rotation.sn;
@@ -122,12 +115,6 @@ class RotationQueue {
   }
 
  private:
-  struct Rotation {
-    int first;
-    int second;
-    double cs;
-    double sn;
-  };
   static constexpr int kCapacity = 64;
 
   double **a_;
@@ -136,7 +123,7 @@ class RotationQueue {
   int count_;
   int low_;
   int high_;
-  Rotation queue_[kCapacity];
+  PlaneRotation queue_[kCapacity];
 };
 
 // sums[j] = sum of a[k][i] * a[k][j] over k = first..last, from 0.0 in rising
@@ -347,18 +334,10 @@ double SvdCore(double **a, int m, int n, double *w, double **v) {
   double *block = factors + entries;
 
   // B bounds the norm of the bidiagonal form and is the scale of every
-  // convergence test: t counts as zero when adding it to B changes nothing. A
-  // NaN on either side counts as negligible too (neither < nor > holds), so the
-  // split search always ends at l = 1 at the latest, where e[1] is kept at 0,
-  // even when B itself has become NaN.
+  // convergence test (see Negligible).
   double B = 0.0;
-  auto negligible = [&B](double t) {
-    const double sum = std::fabs(t) + B;
-    return !(sum < B) && !(sum > B);
-  };
 
   double g = 0.0, s = 0.0, f = 0.0, h = 0.0, scale = 0.0;
-  double cs = 0.0, sn = 0.0, x = 0.0, y = 0.0, z = 0.0, p = 0.0, q = 0.0;
   int l = 0;
 
   // Householder reduction to upper bidiagonal form. g and scale carry over from
@@ -465,31 +444,8 @@ double SvdCore(double **a, int m, int n, double *w, double **v) {
     }
     B = MaxDouble(B, std::fabs(W(i)) + std::fabs(e[i]));
   }
-  // Accumulate the right-hand transformations into v, with the g and l that
-  // the reduction left behind.
-  for (int i = n; i >= 1; --i) {
-    if (i < n) {
-      if (g != 0.0) {
-        // Two divisions in this order, to avoid an underflow of the product.
-        for (int j = l; j <= n; ++j)
-          V(j, i) = (A(i, j) / A(i, l)) / g;
-        for (int j = l; j <= n; ++j) {
-          s = 0.0;
-          for (int k = l; k <= n; ++k)
-            s += A(i, k) * V(k, j);
-          for (int k = l; k <= n; ++k)
-            V(k, j) += s * V(k, i);
-        }
-      }
-      for (int j = l; j <= n; ++j) {
-        V(j, i) = 0.0;
-        V(i, j) = 0.0;
-      }
-    }
-    V(i, i) = 1.0;
-    g = e[i];
-    l = i;
-  }
+  // Accumulate the right-hand transformations into v.
+  AccumulateRight(n, e, A, V);
 
   // Accumulate the left-hand transformations in place in a. Each pass is one
   // walk down the rows: the updates of all columns j = l..n together with the
@@ -533,116 +489,12 @@ double SvdCore(double **a, int m, int n, double *w, double **v) {
     haveSums = dotsNext;
   }
 
-  // Diagonalise the bidiagonal form, finishing the values from the last to the
-  // first. A value gets at most 30 sweeps; after the 30th the loop simply moves
-  // on to the next value. The rotations of a wait in a queue (see
+  // Diagonalise the bidiagonal form. The rotations of a wait in a queue (see
   // RotationQueue); those of the small v are applied at once.
   RotationQueue rotations(a, m, block);
-  for (int k = n; k >= 1; --k) {
-    for (int iteration = 1; iteration <= 30; ++iteration) {
-      // Split search: find the top l of the unreduced block that ends at k.
-      bool cancel = true;
-      for (l = k; l >= 1; --l) {
-        if (negligible(e[l])) {
-          cancel = false;
-          break;
-        }
-        if (negligible(W(l - 1))) break;
-      }
-      // w[l - 1] is negligible: chase e[l] out of the block by rotations that
-      // act on columns l - 1 and i of a.
-      if (cancel) {
-        cs = 0.0;
-        sn = 1.0;
-        for (int i = l; i <= k; ++i) {
-          f = sn * e[i];
-          e[i] = cs * e[i];
-          if (negligible(f)) break;
-          g = W(i);
-          h = StableHypot(f, g);
-          W(i) = h;
-          h = 1.0 / h;
-          cs = g * h;
-          sn = -f * h;
-          rotations.Add(l - 1, i, cs, sn);
-        }
-      }
-      z = W(k);
-      if (l == k) {
-        // Converged. Singular values are made non-negative by flipping the
-        // matching column of v; a stays as it is.
-        if (z < 0.0) {
-          W(k) = -z;
-          for (int j = 1; j <= n; ++j)
-            V(j, k) = -V(j, k);
-        }
-        break;
-      }
-      // Shift from the bottom 2 x 2 of the block.
-      x = W(l);
-      y = W(k - 1);
-      g = e[k - 1];
-      h = e[k];
-      f = ((y - z) * (y + z) + (g - h) * (g + h)) / (2.0 * h * y);
-      g = StableHypot(f, 1.0);
-      f = ((x - z) * (x + z) + h * (y / (f + TransferSign(g, f)) - h)) / x;
-      // QR sweep over the block.
-      cs = 1.0;
-      sn = 1.0;
-      for (int j = l; j <= k - 1; ++j) {
-        const int i = j + 1;
-        g = e[i];
-        y = W(i);
-        h = sn * g;
-        g = cs * g;
-        z = StableHypot(f, h);
-        e[j] = z;
-        if (z != 0.0) {
-          cs = f / z;
-          sn = h / z;
-        } else {
-          // f and h are both zero: there is nothing to rotate, so the rotation
-          // is the identity instead of 0 / 0.
-          cs = 1.0;
-          sn = 0.0;
-        }
-        f = x * cs + g * sn;
-        g = g * cs - x * sn;
-        h = y * sn;
-        y = y * cs;
-        for (int r = 1; r <= n; ++r) {
-          p = V(r, j);
-          q = V(r, i);
-          V(r, j) = p * cs + q * sn;
-          V(r, i) = q * cs - p * sn;
-        }
-        z = StableHypot(f, h);
-        W(j) = z;
-        // With z = 0 the rotation angle is arbitrary; cs and sn keep the values
-        // from above.
-        if (z != 0.0) {
-          z = 1.0 / z;
-          cs = f * z;
-          sn = h * z;
-        }
-        f = cs * g + sn * y;
-        x = cs * y - sn * g;
-        rotations.Add(j, i, cs, sn);
-      }
-      e[l] = 0.0;
-      e[k] = f;
-      W(k) = x;
-    }
-  }
+  Diagonalise(n, B, e, W, V, [&rotations](int first, int second, double cs, double sn) {
+    rotations.Add(first, second, cs, sn);
+  });
   rotations.Flush();
-
-  // The start values take part: a value of 1e25 or more never becomes the
-  // smallest, one of 1e-25 or less never the largest.
-  double lo = 1e25;
-  double hi = 1e-25;
-  for (int i = 1; i <= n; ++i) {
-    if (std::fabs(W(i)) > hi) hi = W(i);
-    if (std::fabs(W(i)) < lo) lo = W(i);
-  }
-  return lo / hi;
+  return SingularRatio(n, W);
 }

@@ -2,6 +2,7 @@
 // diagonalisation, Svd keeps small working arrays on the stack, and Lsq forms
 // the pseudo-inverse column by column straight into the solution. These tests
 // hold each of them to the plain statement of its algorithm, bit for bit.
+#include <cmath>
 #include <cstdint>
 #include <cstring>
 #include <vector>
@@ -14,6 +15,7 @@
 #include "quadrel/linalg/least_squares.h"
 #include "quadrel/linalg/svd.h"
 #include "quadrel/linalg/svd_core.h"
+#include "quadrel/linalg/tall_lsq.h"
 #include "quadrel/matrix/operators.h"
 #include "quadrel/testing/alloc_counter.h"
 #include "quadrel/testing/bit_hash.h"
@@ -115,30 +117,79 @@ TEST(SvdFast, CoreAndFactorsMatchThePlainEngine) {
   }
 }
 
+// The plain formulation of Lsq: the pseudo-inverse from Svd with the rank
+// threshold, then P * b. Returns the condition number.
+double PlainLsq(const CMatrix &A, const CMatrix &b, CMatrix &x) {
+  const int m = A.GetRows(), n = A.GetCols();
+  CMatrix U, T, V;
+  const double cond = Svd(A, U, T, V);
+  if (n == 0) {
+    x = CMatrix(0.0, 0, b.GetCols());
+    return cond;
+  }
+  const double tol = static_cast<double>(m < n ? n : m) * Max(Diag(T))(0) * 2.220446049250313e-16;
+  for (int i = 0; i < n; ++i) {
+    if (T(i, i) < tol) T(i, i) = 0.0;
+    if (T(i, i) != 0.0) T(i, i) = 1.0 / T(i, i);
+  }
+  x = (V * T) * Transpose(U) * b;
+  return cond;
+}
+
 TEST(SvdFast, LsqMatchesThePlainFormulation) {
   TestRandom random(4242);
   for (const CMatrix &A : Inputs()) {
-    const int m = A.GetRows(), n = A.GetCols();
+    const int m = A.GetRows();
     for (int k : {1, 3}) {
       CMatrix b = random.Matrix(m, k, -5.0, 5.0);
       if (m > 1) b(1, 0) = -0.0;
-      // The pseudo-inverse from Svd with the rank threshold, then P * b.
-      CMatrix U, T, V, x;
-      const double cond = Svd(A, U, T, V);
-      if (n > 0) {
-        const double tol =
-            static_cast<double>(m < n ? n : m) * Max(Diag(T))(0) * 2.220446049250313e-16;
-        for (int i = 0; i < n; ++i) {
-          if (T(i, i) < tol) T(i, i) = 0.0;
-          if (T(i, i) != 0.0) T(i, i) = 1.0 / T(i, i);
-        }
-      }
-      const CMatrix plainX = n > 0 ? (V * T) * Transpose(U) * b : CMatrix(0.0, 0, k);
+      CMatrix plainX, x;
+      const double cond = PlainLsq(A, b, plainX);
       EXPECT_TRUE(SameBits(CMatrix(Lsq(A, b, x), 1, 1), CMatrix(cond, 1, 1)));
       EXPECT_TRUE(SameBits(x, plainX)) << Describe(A);
       // The solution may overwrite the right-hand side.
       Lsq(A, b, b);
       EXPECT_TRUE(SameBits(b, plainX));
+    }
+  }
+}
+
+// TallLsq on columns, for every number of unknowns it takes and row counts
+// around its block of 16 rows, on random, rank-deficient, badly scaled and
+// non-finite systems and on ones with a zero column or a zero leading row.
+TEST(SvdFast, TallLsqMatchesThePlainFormulation) {
+  TestRandom random(777);
+  for (int n = 1; n <= kTallLsqMaxUnknowns; ++n) {
+    for (int m : {n, n + 1, 15, 16, 33, 250}) {
+      if (m < n) continue;
+      const CMatrix A = random.Matrix(m, n, -2.0, 2.0);
+      CMatrix deficient = A, scaled = A, zeroColumn = A, zeroRow = A, nan = A;
+      deficient.SetCol(Col(A, 0), n - 1);
+      for (int i = 0; i < m; ++i) {
+        scaled(i, 0) = 1e150 * A(i, 0);
+        zeroColumn(i, n - 1) = 0.0;
+      }
+      for (int j = 0; j < n; ++j)
+        zeroRow(0, j) = 0.0;
+      nan(m / 2, n / 2) = std::nan("");
+      for (const CMatrix &system : {A, deficient, scaled, zeroColumn, zeroRow, nan}) {
+        const CMatrix b = random.Matrix(m, 1, -5.0, 5.0);
+        CMatrix plainX;
+        const double cond = PlainLsq(system, b, plainX);
+        std::vector<double> work(static_cast<std::size_t>(m) * n), rhs(m), x(n);
+        std::vector<double *> columns(n);
+        for (int j = 0; j < n; ++j) {
+          columns[j] = work.data() + static_cast<std::size_t>(j) * m;
+          for (int i = 0; i < m; ++i)
+            columns[j][i] = system(i, j);
+        }
+        for (int i = 0; i < m; ++i)
+          rhs[i] = b(i);
+        const double tallCond = TallLsq(columns.data(), m, n, rhs.data(), x.data());
+        EXPECT_TRUE(SameBits(CMatrix(tallCond, 1, 1), CMatrix(cond, 1, 1))) << Describe(system);
+        // A NaN's sign comes from the arithmetic that made it.
+        EXPECT_TRUE(SameValues(CMatrix(x.data(), n, 1), plainX)) << Describe(system);
+      }
     }
   }
 }

@@ -3,14 +3,38 @@
 // Element (i, j) is Col(m, j)[i], exactly what operator()(i, j) reads, without
 // a call across the library boundary. Code that walks a matrix element by
 // element uses this; the column table is always respected. Reshape lets a
-// function fill an output where it stands, and DoublePair lets a kernel carry
-// two independent sums at once with the bits of the scalar code.
+// function fill an output where it stands, DoublePair lets a kernel carry two
+// independent sums at once with the bits of the scalar code, and Ahead lets a
+// long pass ask for its data before it needs it.
 #ifndef QUADREL_MATRIX_ACCESS_H
 #define QUADREL_MATRIX_ACCESS_H
 
 #include <cstddef>
+#include <cstdint>
 
 #include "quadrel/matrix/matrix.h"
+
+// How far ahead of its position, in elements, a pass over long arrays asks for
+// them. The passes of the fits and of their solver do little work per element,
+// and once a system outgrows the inner caches the hardware alone does not fetch
+// their streams early enough.
+constexpr std::size_t kAhead = 256;
+
+// Asks for the cache line at p. A hint only: it never faults.
+inline void Fetch(const void *p) {
+#if defined(__GNUC__)
+  __builtin_prefetch(p);
+#else
+  (void)p;
+#endif
+}
+
+// Asks for the cache line kAhead elements past p, also past the end of an
+// array (the address is formed as an integer, and the hint never faults).
+template <class T>
+inline void Ahead(const T *p) {
+  Fetch(reinterpret_cast<const void *>(reinterpret_cast<std::uintptr_t>(p) + kAhead * sizeof(T)));
+}
 
 // Two doubles side by side, for the library's own kernels that advance two
 // independent sums or elements at once. Each lane is an ordinary IEEE double
