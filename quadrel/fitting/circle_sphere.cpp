@@ -12,23 +12,11 @@
 #include "quadrel/functions/rearrange.h"
 #include "quadrel/geometry/rotations.h"
 #include "quadrel/geometry/vectors.h"
-#include "quadrel/linalg/least_squares.h"
 #include "quadrel/linalg/tall_lsq.h"
 #include "quadrel/matrix/access.h"
 #include "quadrel/matrix/contract.h"
 #include "quadrel/matrix/operators.h"
 #include "quadrel/matrix/scalar.h"
-
-namespace {
-
-// Asks early for the column table of a point set and for the point kAhead
-// places on, for a loop over the points in order.
-inline void StreamPoints(const double *const *p, int i, int n) {
-  Ahead(p + i);
-  if (n - i > static_cast<int>(kAhead)) Fetch(p[i + kAhead]);
-}
-
-}  // namespace
 
 void CircleFit(const CMatrix &points, CMatrix &centre, CMatrix &normal, double &radius,
                CMatrix &residuals) {
@@ -64,15 +52,18 @@ void CircleFit(const CMatrix &points, CMatrix &centre, CMatrix &normal, double &
     }
   };
 
+  // The design matrix D, rows (1, 2 q0, 2 q1), and the right-hand side
+  // q0*q0 + q1*q1, as columns that TallLsq may work on in place; it gives what
+  // Lsq(D, b, a) gives.
   const int n = points.GetCols();
-  CMatrix D(n, 3);
-  CMatrix b(n, 1);
-  double *d0 = CMatrixAccess::Col(D, 0);
-  double *d1 = CMatrixAccess::Col(D, 1);
-  double *d2 = CMatrixAccess::Col(D, 2);
-  double *rhs = CMatrixAccess::Col(b, 0);
+  TallColumns D(n, 4);
+  double *d0 = D[0];
+  double *d1 = D[1];
+  double *d2 = D[2];
+  double *rhs = D[3];
   double zmean = 0.0;
   for (int i = 0; i < n; ++i) {
+    AheadPoints(p, i, n, {d0, d1, d2, rhs});
     double q[3];
     turn(i, q);
     d0[i] = 1.0;
@@ -83,14 +74,14 @@ void CircleFit(const CMatrix &points, CMatrix &centre, CMatrix &normal, double &
   }
   zmean /= n;
 
-  CMatrix a;
-  Lsq(D, b, a);
+  double a[3];
+  TallLsq(D.Table(), n, 3, rhs, a);
   // The absolute value keeps a sum that rounding pushed below 0 from the root.
-  radius = std::sqrt(AbsRef(a(0) + a(1) * a(1) + a(2) * a(2)));
+  radius = std::sqrt(AbsRef(a[0] + a[1] * a[1] + a[2] * a[2]));
 
   // The centre in the turned frame sits at the mean height of the points, so it
   // lies in the fitted plane.
-  const double centreAt[3] = {a(1), a(2), zmean};
+  const double centreAt[3] = {a[1], a[2], zmean};
   CMatrix c(3, 1);
   for (int k = 0; k < 3; ++k)
     c(k) = centreAt[k];
@@ -98,6 +89,7 @@ void CircleFit(const CMatrix &points, CMatrix &centre, CMatrix &normal, double &
 
   double *residual = CMatrixAccess::Col(residuals, 0);
   for (int i = 0; i < n; ++i) {
+    AheadPoints(p, i, n, {residual});
     const double plane = residual[i];
     double q[3];
     turn(i, q);
@@ -134,12 +126,7 @@ void SphereFit(const CMatrix &points, CMatrix &centre, double &radius, CMatrix &
   double *rhs = D[4];
   const double *const *p = CMatrixAccess::Table(points);
   for (int i = 0; i < n; ++i) {
-    StreamPoints(p, i, n);
-    Ahead(d0 + i);
-    Ahead(d1 + i);
-    Ahead(d2 + i);
-    Ahead(d3 + i);
-    Ahead(rhs + i);
+    AheadPoints(p, i, n, {d0, d1, d2, d3, rhs});
     const double *point = p[i];
     const double x = point[0];
     const double y = point[1];
@@ -166,8 +153,7 @@ void SphereFit(const CMatrix &points, CMatrix &centre, double &radius, CMatrix &
   CMatrixAccess::Reshape(residuals, 1, n);
   double *residual = CMatrixAccess::Data(residuals);
   for (int i = 0; i < n; ++i) {
-    StreamPoints(p, i, n);
-    Ahead(residual + i);
+    AheadPoints(p, i, n, {residual});
     double sum = 0.0;
     for (int k = 0; k < 3; ++k) {
       const double difference = p[i][k] - centreAt[k];

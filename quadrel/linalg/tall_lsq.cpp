@@ -434,7 +434,7 @@ struct Engine {
       for (int c = 0; c < N; ++c) {
         const double *from = col[c] + k0;
         Ahead(from);
-        Ahead(from + 8);
+        Ahead(from, 8);
         for (int r = 0; r < rows; ++r)
           block[c][r] = from[r];
         for (int r = rows; r < kBlock; ++r)
@@ -457,7 +457,7 @@ struct Engine {
       for (int t = 0; t < rotationCount; ++t)
         RotateBlock<kBlock>(block[rotations[t].first], block[rotations[t].second], rotations[t]);
       Ahead(b + k0);
-      Ahead(b + k0 + 8);
+      Ahead(b + k0, 8);
       for (int r = 0; r < rows; ++r) {
         const double bk = b[k0 + r];
         QUADREL_UNROLL
