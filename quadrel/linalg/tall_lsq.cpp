@@ -49,9 +49,9 @@ struct Engine {
   double w[N + 1];  // W(i) = w[i]; w[0] is never read
   double e[N + 1];
   double v[N + 1][N + 1];  // V(r, c) = v[r][c]
-  // Column sums and factors of the passes, indexed like e.
+  // The column sums that one accumulation pass takes for the next, indexed
+  // like e.
   double sums[N + 1];
-  double factors[N + 1];
   double B;
   double g, s, f, h, scale;
   bool haveNextScale;
@@ -131,7 +131,7 @@ struct Engine {
         scale += std::fabs(ci[k]);
       }
     }
-    double fac[kTailSize];
+    double fac[kTailSize] = {};
     if (scale != 0.0) {
       s = Normalise(ci + (I - 1), m - (I - 1), scale);
       f = ci[I - 1];
@@ -301,7 +301,7 @@ struct Engine {
     }
     double gi = w[I];
     const bool update = gi != 0.0;
-    double fac[kTail];
+    double fac[kTail] = {};
     if (update) {
       gi = 1.0 / gi;
       const double aii = ci[r];
@@ -412,7 +412,7 @@ struct Engine {
     // come from the sums that pass 2 took.
     double g1 = w1;
     const bool update = N > 1 && g1 != 0.0;
-    double fac[N];
+    double fac[N] = {};
     if (N > 1) {
       for (int j = 2; j <= N; ++j)
         A(1, j) = 0.0;
