@@ -169,8 +169,8 @@ struct Engine {
         ci[r] = columnScale * aii;
       }
       bool rowActive = false;
-      double rowI[kTailSize];
-      double ek[kTailSize];
+      double rowI[kTailSize] = {};
+      double ek[kTailSize] = {};
       QUADREL_UNROLL
       for (int t = 0; t < kTail; ++t)
         scale += std::fabs(tail[t][r]);
