@@ -2,9 +2,9 @@
 
 #include <cmath>
 #include <cstddef>
-#include <new>
 
 #include "quadrel/linalg/svd_steps.h"
+#include "quadrel/linalg/work_arrays.h"
 #include "quadrel/matrix/access.h"
 #include "quadrel/matrix/scalar.h"
 
@@ -29,27 +29,6 @@ double MaxDouble(double a, double b) {
 }
 
 namespace {
-
-// Doubles on the stack when few are needed, on the heap otherwise; freed on
-// every way out.
-template <std::size_t kLocal>
-class Scratch {
- public:
-  explicit Scratch(std::size_t count)
-      : data_(count <= kLocal ? local_
-                              : static_cast<double *>(::operator new(sizeof(double) * count))) {}
-  ~Scratch() {
-    if (data_ != local_) ::operator delete(data_);
-  }
-  Scratch(const Scratch &) = delete;
-  Scratch &operator=(const Scratch &) = delete;
-
-  double *Data() { return data_; }
-
- private:
-  double local_[kLocal];
-  double *data_;
-};
 
 // The plane rotations that the diagonalisation applies to a. a is only written
 // there, never read, so its rotations are collected and applied later: every
@@ -327,7 +306,7 @@ double SvdCore(double **a, int m, int n, double *w, double **v) {
   // e, then the per-column sums and factors of the fused passes, indexed like e.
   // The rotation queue's block buffer follows them.
   const std::size_t entries = static_cast<std::size_t>(n) + 1;
-  Scratch<160> scratch(3 * entries + RotationQueue::kBlock * static_cast<std::size_t>(n));
+  Scratch<double, 160> scratch(3 * entries + RotationQueue::kBlock * static_cast<std::size_t>(n));
   double *e = scratch.Data();
   double *sums = e + entries;
   double *factors = sums + entries;

@@ -198,4 +198,31 @@ double SingularRatio(int n, WAt W) {
   return lo / hi;
 }
 
+// The middle of the pseudo-inverse, for singular values sv[0..n - 1] (unsorted)
+// of a matrix of rows rows (counting zero rows it was padded with) and its V:
+// the largest value is searched for (the first of equal values wins), values
+// strictly below rows * largest * 2^-52 are dropped to 0 and every other
+// non-zero value is inverted, in place; then VT(i, c) = V * T with T the
+// diagonal matrix of those inverses, each element a sum from 0.0 in rising k
+// of V(i, k) * T(k, c) + acc, the zero terms of T taking part as in the
+// product. V and VT count from 0.
+template <class VAt, class VTAt>
+void InvertedValuesTimesV(int n, int rows, double *sv, VAt V, VTAt VT) {
+  int best = 0;
+  for (int i = 1; i < n; ++i)
+    if (sv[i] > sv[best]) best = i;
+  const double tol = static_cast<double>(rows) * sv[best] * 2.220446049250313e-16;
+  for (int i = 0; i < n; ++i) {
+    if (sv[i] < tol) sv[i] = 0.0;
+    if (sv[i] != 0.0) sv[i] = 1.0 / sv[i];
+  }
+  for (int i = 0; i < n; ++i)
+    for (int c = 0; c < n; ++c) {
+      double acc = 0.0;
+      for (int k = 0; k < n; ++k)
+        acc = V(i, k) * (k == c ? sv[c] : 0.0) + acc;
+      VT(i, c) = acc;
+    }
+}
+
 #endif  // QUADREL_LINALG_SVD_STEPS_H

@@ -498,32 +498,14 @@ struct Engine {
     });
     const double cond = 1.0 / SingularRatio(N, W);
 
-    // As Lsq: the rank threshold on the largest value (the first of equal
-    // values), the inverse of every value kept, and VT = V * T with T the
-    // diagonal matrix of those inverses, its zero terms taking part in each sum.
+    // As Lsq: the rank threshold, the inverted values and VT = V * T.
     double sv[N];
-    QUADREL_UNROLL
     for (int i = 0; i < N; ++i)
       sv[i] = w[i + 1];
-    int best = 0;
-    for (int i = 1; i < N; ++i)
-      if (sv[i] > sv[best]) best = i;
-    const double tol = static_cast<double>(m) * sv[best] * 2.220446049250313e-16;
-    QUADREL_UNROLL
-    for (int i = 0; i < N; ++i) {
-      if (sv[i] < tol) sv[i] = 0.0;
-      if (sv[i] != 0.0) sv[i] = 1.0 / sv[i];
-    }
     double vt[N][N];
-    QUADREL_UNROLL
-    for (int i = 0; i < N; ++i)
-      QUADREL_UNROLL
-    for (int c = 0; c < N; ++c) {
-      double acc = 0.0;
-      for (int k = 0; k < N; ++k)
-        acc = v[i + 1][k + 1] * (k == c ? sv[c] : 0.0) + acc;
-      vt[i][c] = acc;
-    }
+    InvertedValuesTimesV(
+        N, m, sv, [this](int i, int k) { return v[i + 1][k + 1]; },
+        [&vt](int i, int c) -> double & { return vt[i][c]; });
     Solve(vt, b, x);
     return cond;
   }
