@@ -1,24 +1,29 @@
-// The point reader of quadrel-fit on raw bytes: every input either gives a
-// table of finite points or stops with an input error; nothing else happens.
+// The point readers on raw bytes: every input either gives a set of finite
+// points, each with the line it came from, or stops with a read error; nothing
+// else happens.
 #include <cmath>
-#include <string>
+#include <cstddef>
+#include <cstdint>
 #include <string_view>
 
-#include "errors.h"
-#include "point_reader.h"
-#include "quadrel/quadrel.h"
+#include "quadrel/io/point_set.h"
+#include "quadrel/io/read_error.h"
+#include "quadrel/io/read_points.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size) {
-  const std::string_view text(reinterpret_cast<const char *>(data), size);
-  for (const auto meaning : {quadrel_fit::kPointColumns, quadrel_fit::kSampleColumns}) {
+  const std::string_view content(reinterpret_cast<const char *>(data), size);
+  for (const auto &options : {quadrel_io::kPointColumns, quadrel_io::kSampleColumns}) {
     try {
-      const quadrel_fit::PointTable table = quadrel_fit::ParsePointText(text, "fuzz", meaning);
-      for (int k = 0; k < table.count(); ++k)
+      const quadrel_io::PointSet set = quadrel_io::ParsePoints(content, "fuzz", options);
+      std::int64_t previous = 0;
+      for (int k = 0; k < set.count(); ++k) {
         for (int r = 0; r < 3; ++r)
-          if (!std::isfinite(table.at(r, k)) || table.lineOf(k) < 1) __builtin_trap();
-      const CMatrix points = table.Points();
-      if (points.GetCols() != table.count()) __builtin_trap();
-    } catch (const quadrel_fit::InputError &) {
+          if (!std::isfinite(set.at(r, k))) __builtin_trap();
+        if (set.originOf(k) <= previous) __builtin_trap();
+        previous = set.originOf(k);
+      }
+    } catch (const quadrel_io::ReadError &error) {
+      if (error.file() != "fuzz") __builtin_trap();
     }
   }
   return 0;

@@ -32,7 +32,7 @@ void SortedSingularValues(const CMatrix &symmetric, double *values, Vec3 *axes) 
 
 }  // namespace
 
-Spread PrincipalSpread(const PointTable &table) {
+Spread PrincipalSpread(const PointSet &table) {
   Spread spread;
   const int n = table.count();
   for (int r = 0; r < 3; ++r) {
@@ -57,14 +57,14 @@ Spread PrincipalSpread(const PointTable &table) {
   return spread;
 }
 
-void RequirePoints(const PointTable &table, int needed, const std::string &what, const char *unit) {
+void RequirePoints(const PointSet &table, int needed, const std::string &what, const char *unit) {
   if (table.count() < needed) {
     throw InputError(what + " needs at least " + std::to_string(needed) + " " + unit + "; " +
                      table.name() + " has " + std::to_string(table.count()));
   }
 }
 
-void RequireDistinct(const PointTable &table, const std::string &what, int rows) {
+void RequireDistinct(const PointSet &table, const std::string &what, int rows) {
   for (int k = 1; k < table.count(); ++k) {
     for (int r = 0; r < rows; ++r) {
       if (table.at(r, k) != table.at(r, 0)) return;
@@ -78,7 +78,7 @@ namespace {
 
 // Refuses points that lie on one line and, when lineOnly is false, also points
 // that lie in one plane.
-void RequireSpread(const PointTable &table, const std::string &what, bool lineOnly) {
+void RequireSpread(const PointSet &table, const std::string &what, bool lineOnly) {
   RequireDistinct(table, what);
   const Spread spread = PrincipalSpread(table);
   if (spread.rms[1] <= kFlatRatio * spread.rms[0]) {
@@ -93,15 +93,15 @@ void RequireSpread(const PointTable &table, const std::string &what, bool lineOn
 
 }  // namespace
 
-void RequireNotOnOneLine(const PointTable &table, const std::string &what) {
+void RequireNotOnOneLine(const PointSet &table, const std::string &what) {
   RequireSpread(table, what, true);
 }
 
-void RequireNotInOnePlane(const PointTable &table, const std::string &what) {
+void RequireNotInOnePlane(const PointSet &table, const std::string &what) {
   RequireSpread(table, what, false);
 }
 
-void RequireParaboloidTermsApart(const PointTable &table) {
+void RequireParaboloidTermsApart(const PointSet &table) {
   const int n = table.count();
   // Standardised coordinates give the same column space as x and y and keep the
   // test below independent of the data's unit and offset.
@@ -147,7 +147,7 @@ void RequireParaboloidTermsApart(const PointTable &table) {
   }
 }
 
-void RequireQualityVaries(const PointTable &table) {
+void RequireQualityVaries(const PointSet &table) {
   for (int k = 1; k < table.count(); ++k) {
     if (table.at(2, k) != table.at(2, 0)) return;
   }

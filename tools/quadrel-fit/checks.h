@@ -8,7 +8,7 @@
 #include <array>
 #include <string>
 
-#include "point_reader.h"
+#include "point_input.h"
 
 namespace quadrel_fit {
 
@@ -22,7 +22,7 @@ struct Spread {
   Vec3 rms{};
   std::array<Vec3, 3> axes{};
 };
-Spread PrincipalSpread(const PointTable &table);
+Spread PrincipalSpread(const PointSet &table);
 
 // A principal spread at or below this fraction of the largest counts as none:
 // the points are then taken to lie on a line (second spread) or in a plane
@@ -32,16 +32,16 @@ constexpr double kFlatRatio = 1e-6;
 
 // Each throws an InputError when its condition fails. what names the fit in
 // messages, e.g. "a sphere fit".
-void RequirePoints(const PointTable &table, int needed, const std::string &what,
+void RequirePoints(const PointSet &table, int needed, const std::string &what,
                    const char *unit = "points");
 // Not every point (in the first `rows` numbers of each line) is the same.
-void RequireDistinct(const PointTable &table, const std::string &what, int rows = 3);
-void RequireNotOnOneLine(const PointTable &table, const std::string &what);
-void RequireNotInOnePlane(const PointTable &table, const std::string &what);
+void RequireDistinct(const PointSet &table, const std::string &what, int rows = 3);
+void RequireNotOnOneLine(const PointSet &table, const std::string &what);
+void RequireNotInOnePlane(const PointSet &table, const std::string &what);
 // The five terms x^2, x, y^2, y, 1 of the paraboloid can be told apart.
-void RequireParaboloidTermsApart(const PointTable &table);
+void RequireParaboloidTermsApart(const PointSet &table);
 // Not every third number (the quality of a sample) is the same.
-void RequireQualityVaries(const PointTable &table);
+void RequireQualityVaries(const PointSet &table);
 
 }  // namespace quadrel_fit
 

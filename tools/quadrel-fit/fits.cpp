@@ -18,6 +18,11 @@ std::string FitName(Shape shape) {
   return (shape == Shape::kEllipse ? "an " : "a ") + name + " fit";
 }
 
+// All points as a 3 x n matrix, one point per column.
+CMatrix AllPoints(const PointSet &set) {
+  return CMatrix(set.coordinates(), 3, set.count());
+}
+
 Vec3 Column(const CMatrix &m, int j) {
   return {m(0, j), m(1, j), m(2, j)};
 }
@@ -49,7 +54,7 @@ double Distance(const Vec3 &a, const Vec3 &b) {
   return std::sqrt(dx * dx + dy * dy + dz * dz);
 }
 
-void RequireFinite(bool finite, Shape shape, const PointTable &table) {
+void RequireFinite(bool finite, Shape shape, const PointSet &table) {
   if (!finite) {
     throw InputError(FitName(shape) + " of " + table.name() +
                      " gave values that are not numbers; the points do not determine a " +
@@ -57,12 +62,12 @@ void RequireFinite(bool finite, Shape shape, const PointTable &table) {
   }
 }
 
-ShapeResult FitEllipse(const PointTable &table, ShapeResult result) {
+ShapeResult FitEllipse(const PointSet &table, ShapeResult result) {
   const int n = table.count();
   CMatrix foci;
   CMatrix normal;
   CMatrix residuals;
-  EllipseFit(table.Points(), foci, normal, result.focalSum, residuals);
+  EllipseFit(AllPoints(table), foci, normal, result.focalSum, residuals);
   result.foci = {Column(foci, 0), Column(foci, 1)};
   result.normal = Column(normal, 0);
   result.residuals = Values(residuals, n);
@@ -125,7 +130,7 @@ int MinimumPoints(Shape shape) {
   return kMinimum[static_cast<int>(shape)];
 }
 
-ShapeResult FitShape(Shape shape, const PointTable &table) {
+ShapeResult FitShape(Shape shape, const PointSet &table) {
   const std::string what = FitName(shape);
   RequirePoints(table, MinimumPoints(shape), what);
   switch (shape) {
@@ -149,7 +154,7 @@ ShapeResult FitShape(Shape shape, const PointTable &table) {
   result.shape = shape;
   result.points = table.count();
   const int n = table.count();
-  const CMatrix points = table.Points();
+  const CMatrix points = AllPoints(table);
   CMatrix centre;
   CMatrix axis;
   CMatrix residuals;
@@ -206,7 +211,7 @@ ShapeResult FitShape(Shape shape, const PointTable &table) {
   return result;
 }
 
-TrihedralResult FitTrihedral(const std::array<const PointTable *, 3> &faces, double edgeAngle) {
+TrihedralResult FitTrihedral(const std::array<const PointSet *, 3> &faces, double edgeAngle) {
   TrihedralResult result;
   result.edgeAngle = edgeAngle;
   std::array<Vec3, 3> normals{};
@@ -243,8 +248,8 @@ TrihedralResult FitTrihedral(const std::array<const PointTable *, 3> &faces, dou
                      faces[0]->name() + " " + faces[2]->name() + " " + faces[1]->name());
   }
   CMatrix pose;
-  result.code = IdealTrihedralFit(faces[0]->Points(), faces[1]->Points(), faces[2]->Points(), pose,
-                                  edgeAngle);
+  result.code = IdealTrihedralFit(AllPoints(*faces[0]), AllPoints(*faces[1]), AllPoints(*faces[2]),
+                                  pose, edgeAngle);
   if (result.code != 0 && result.code != 4) {
     throw InputError("the trihedral fit of " + names + " stopped: " + TrihedralStatus(result.code) +
                      " (code " + std::to_string(result.code) +
@@ -282,7 +287,7 @@ std::string TrihedralStatus(int code) {
   }
 }
 
-PeakResult FindPeak(const PointTable &samples) {
+PeakResult FindPeak(const PointSet &samples) {
   RequirePoints(samples, 6, "a quality peak search", "samples");
   RequireDistinct(samples, "a quality peak search", 2);
   RequireQualityVaries(samples);
@@ -292,7 +297,8 @@ PeakResult FindPeak(const PointTable &samples) {
     if (samples.at(2, k) > samples.at(2, result.bestSample)) result.bestSample = k;
   }
   CMatrix peak;
-  result.code = FindQualityPeak(samples.ThirdRowAsColumn(), samples.FirstTwoRows(), peak);
+  result.code = FindQualityPeak(CMatrix(samples.axis(2), samples.count(), 1),
+                                CMatrix(samples.coordinates(), 2, samples.count()), peak);
   result.peak = {peak(0), peak(1)};
   if (!std::isfinite(result.peak[0]) || !std::isfinite(result.peak[1])) {
     throw InputError("the quality peak search of " + samples.name() +

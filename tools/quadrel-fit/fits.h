@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "checks.h"
-#include "point_reader.h"
+#include "point_input.h"
 
 namespace quadrel_fit {
 
@@ -52,7 +52,7 @@ struct ShapeResult {
   std::string warning;
 };
 
-ShapeResult FitShape(Shape shape, const PointTable &table);
+ShapeResult FitShape(Shape shape, const PointSet &table);
 
 // The ideal trihedral fit: apex, the angles alpha, beta, gamma of its rotation
 // (radians), and the symmetry axis, the rotated +Y.
@@ -68,7 +68,7 @@ struct TrihedralResult {
   int code = 0;
 };
 // faces are the three sets in the order the fit takes them.
-TrihedralResult FitTrihedral(const std::array<const PointTable *, 3> &faces, double edgeAngle);
+TrihedralResult FitTrihedral(const std::array<const PointSet *, 3> &faces, double edgeAngle);
 // The status of the trihedral fit in words: "converged", "step limit reached",
 // "degenerate input", ...
 std::string TrihedralStatus(int code);
@@ -80,7 +80,7 @@ struct PeakResult {
   int code = 0;
   int bestSample = 0;  // index of the first sample of highest quality
 };
-PeakResult FindPeak(const PointTable &samples);
+PeakResult FindPeak(const PointSet &samples);
 // How the peak was found, in words, for every code FindQualityPeak gives.
 std::string PeakMethod(int code);
 

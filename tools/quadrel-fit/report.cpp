@@ -15,7 +15,7 @@ Json Array(const Vec3 &v) {
 
 // Root mean square, largest magnitude and where it is: the summary that every
 // shape fit reports.
-Json ResidualSummary(const std::vector<double> &residuals, const PointTable &table) {
+Json ResidualSummary(const std::vector<double> &residuals, const PointSet &table) {
   double squares = 0.0;
   size_t largest = 0;
   for (size_t k = 0; k < residuals.size(); ++k) {
@@ -26,7 +26,7 @@ Json ResidualSummary(const std::vector<double> &residuals, const PointTable &tab
   summary["rms"] = std::sqrt(squares / static_cast<double>(residuals.size()));
   summary["max_abs"] = std::fabs(residuals[largest]);
   summary["max_point"] = static_cast<int>(largest) + 1;
-  summary["max_line"] = table.lineOf(static_cast<int>(largest));
+  summary["max_line"] = table.originOf(static_cast<int>(largest));
   return summary;
 }
 
@@ -94,7 +94,7 @@ std::string TextHeader(const std::string &title) {
          std::to_string(kTextDigits) + " significant digits";
 }
 
-Report ShapeReport(const ShapeResult &result, const PointTable &table, bool withResiduals) {
+Report ShapeReport(const ShapeResult &result, const PointSet &table, bool withResiduals) {
   Report report;
   const std::string shape = ShapeName(result.shape);
   report.title = shape + " fit of " + table.name();
@@ -142,14 +142,14 @@ Report ShapeReport(const ShapeResult &result, const PointTable &table, bool with
     body["residuals"]["values"] = result.residuals;
     report.residualLines.reserve(static_cast<size_t>(table.count()));
     for (int k = 0; k < table.count(); ++k)
-      report.residualLines.push_back(table.lineOf(k));
+      report.residualLines.push_back(table.originOf(k));
   }
   if (!result.warning.empty()) body["warning"] = result.warning;
   return report;
 }
 
 Report TrihedralReport(const TrihedralResult &result,
-                       const std::array<const PointTable *, 3> &faces) {
+                       const std::array<const PointSet *, 3> &faces) {
   Report report;
   report.title =
       "trihedral fit of " + faces[0]->name() + ", " + faces[1]->name() + ", " + faces[2]->name();
@@ -172,7 +172,7 @@ Report TrihedralReport(const TrihedralResult &result,
   return report;
 }
 
-Report PeakReport(const PeakResult &result, const PointTable &samples) {
+Report PeakReport(const PeakResult &result, const PointSet &samples) {
   Report report;
   report.title = "quality peak of " + samples.name();
   Json &body = report.body;
@@ -186,7 +186,7 @@ Report PeakReport(const PeakResult &result, const PointTable &samples) {
   best["position"] =
       Json::array({samples.at(0, result.bestSample), samples.at(1, result.bestSample)});
   best["quality"] = samples.at(2, result.bestSample);
-  best["line"] = samples.lineOf(result.bestSample);
+  best["line"] = samples.originOf(result.bestSample);
   body["best_sample"] = best;
   return report;
 }
@@ -205,7 +205,8 @@ void WriteText(const Report &report, std::ostream &out) {
     out << row;
     size_t k = 0;
     for (const Json &value : *residuals) {
-      std::snprintf(row, sizeof row, "%10zu %10d  %s\n", k + 1, report.residualLines[k],
+      std::snprintf(row, sizeof row, "%10zu %10lld  %s\n", k + 1,
+                    static_cast<long long>(report.residualLines[k]),
                     FormatNumber(value.get<double>()).c_str());
       out << row;
       ++k;

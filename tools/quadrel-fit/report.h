@@ -4,6 +4,7 @@
 #ifndef QUADREL_FIT_REPORT_H
 #define QUADREL_FIT_REPORT_H
 
+#include <cstdint>
 #include <ostream>
 #include <string>
 #include <vector>
@@ -11,7 +12,7 @@
 #include <nlohmann/json.hpp>
 
 #include "fits.h"
-#include "point_reader.h"
+#include "point_input.h"
 
 namespace quadrel_fit {
 
@@ -25,13 +26,12 @@ struct Report {
   // "residuals" may hold "values", one residual per point, which the text form
   // writes as a table with the file line of each point.
   nlohmann::ordered_json body;
-  std::vector<int> residualLines;
+  std::vector<std::int64_t> residualLines;
 };
 
-Report ShapeReport(const ShapeResult &result, const PointTable &table, bool withResiduals);
-Report TrihedralReport(const TrihedralResult &result,
-                       const std::array<const PointTable *, 3> &faces);
-Report PeakReport(const PeakResult &result, const PointTable &samples);
+Report ShapeReport(const ShapeResult &result, const PointSet &table, bool withResiduals);
+Report TrihedralReport(const TrihedralResult &result, const std::array<const PointSet *, 3> &faces);
+Report PeakReport(const PeakResult &result, const PointSet &samples);
 
 // Text: a header line that names the tool, the work and the precision, then
 // one "name  value" line per result.

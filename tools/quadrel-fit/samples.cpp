@@ -2,6 +2,7 @@
 
 #include <cerrno>
 #include <cmath>
+#include <cstdint>
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
@@ -49,14 +50,14 @@ class TableBuilder {
     lines_.push_back(kFirstPointLine + static_cast<int>(lines_.size()));
   }
   void Add(const Vec3 &p) { Add(p[0], p[1], p[2]); }
-  PointTable Build(const std::string &name) {
-    return PointTable(name, std::move(x_), std::move(y_), std::move(z_), std::move(lines_));
+  PointSet Build(const std::string &name) {
+    return PointSet(name, std::move(x_), std::move(y_), std::move(z_), std::move(lines_));
   }
 
  private:
   Noise &noise_;
   std::vector<double> x_, y_, z_;
-  std::vector<int> lines_;
+  std::vector<std::int64_t> lines_;
 };
 
 Vec3 Unit(const Vec3 &v) {

@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "fits.h"
-#include "point_reader.h"
+#include "point_input.h"
 
 namespace quadrel_fit {
 
@@ -18,7 +18,7 @@ struct SampleFile {
   std::string file;         // file name when saved: "circle.txt"
   std::string description;  // the true shape, in words, for the file's comment
   std::string columns;      // header line: "x y z" or "x y quality"
-  PointTable table;
+  PointSet table;
 };
 
 struct SampleShape {

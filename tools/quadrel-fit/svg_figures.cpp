@@ -74,7 +74,7 @@ double Rms(const std::vector<double> &values) {
 
 }  // namespace
 
-std::string CurveFigure(const ShapeResult &result, const PointTable &table) {
+std::string CurveFigure(const ShapeResult &result, const PointSet &table) {
   const bool ellipse = result.shape == Shape::kEllipse;
   const Vec3 focalAxis = {result.foci[1][0] - result.foci[0][0],
                           result.foci[1][1] - result.foci[0][1],
@@ -136,7 +136,7 @@ std::string CurveFigure(const ShapeResult &result, const PointTable &table) {
   return canvas.Document();
 }
 
-std::string PlaneResidualFigure(const ShapeResult &result, const PointTable &table) {
+std::string PlaneResidualFigure(const ShapeResult &result, const PointSet &table) {
   const std::vector<double> &r = result.residuals;
   const int n = static_cast<int>(r.size());
   // With many points each bar spans the lowest to the highest residual of a run
@@ -183,7 +183,7 @@ std::string PlaneResidualFigure(const ShapeResult &result, const PointTable &tab
   return canvas.Document();
 }
 
-std::string PeakFigure(const PeakResult &result, const PointTable &samples) {
+std::string PeakFigure(const PeakResult &result, const PointSet &samples) {
   const int n = samples.count();
   double xMin = result.peak[0], xMax = result.peak[0];
   double yMin = result.peak[1], yMax = result.peak[1];

@@ -5,18 +5,18 @@
 #include <string>
 
 #include "fits.h"
-#include "point_reader.h"
+#include "point_input.h"
 
 namespace quadrel_fit {
 
 // The points seen in the fitted plane with the fitted circle or ellipse (its
 // foci marked), for a circle or an ellipse result.
-std::string CurveFigure(const ShapeResult &result, const PointTable &table);
+std::string CurveFigure(const ShapeResult &result, const PointSet &table);
 // The signed distance of each point from the fitted plane as a bar.
-std::string PlaneResidualFigure(const ShapeResult &result, const PointTable &table);
+std::string PlaneResidualFigure(const ShapeResult &result, const PointSet &table);
 // The sample positions shaded by quality, the best sample ringed and the peak
 // marked.
-std::string PeakFigure(const PeakResult &result, const PointTable &samples);
+std::string PeakFigure(const PeakResult &result, const PointSet &samples);
 
 // Writes a document to a file; throws an OutputError if that fails.
 void WriteSvgFile(const std::string &path, const std::string &document);

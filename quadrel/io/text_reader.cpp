@@ -1,41 +1,16 @@
-#include "point_reader.h"
+#include "quadrel/io/text_reader.h"
 
-#include <cerrno>
 #include <charconv>
 #include <climits>
 #include <cmath>
-#include <cstdio>
+#include <cstdint>
 #include <cstdlib>
-#include <cstring>
-#include <filesystem>
 #include <utility>
+#include <vector>
 
-#include <quadrel/quadrel.h>
+#include "quadrel/io/read_error.h"
 
-#include "errors.h"
-
-namespace quadrel_fit {
-
-PointTable::PointTable(std::string name, std::vector<double> x, std::vector<double> y,
-                       std::vector<double> z, std::vector<int> lines)
-    : name_(std::move(name)), lines_(std::move(lines)) {
-  values_.reserve(x.size() * 3);
-  values_.insert(values_.end(), x.begin(), x.end());
-  values_.insert(values_.end(), y.begin(), y.end());
-  values_.insert(values_.end(), z.begin(), z.end());
-}
-
-CMatrix PointTable::Points() const {
-  return CMatrix(values_.data(), 3, count());
-}
-
-CMatrix PointTable::FirstTwoRows() const {
-  return CMatrix(values_.data(), 2, count());
-}
-
-CMatrix PointTable::ThirdRowAsColumn() const {
-  return CMatrix(row(2), count(), 1);
-}
+namespace quadrel_io {
 
 namespace {
 
@@ -72,15 +47,10 @@ std::string Shown(std::string_view field) {
   return std::string(field.substr(0, 37)) + "...";
 }
 
-// "file:line: ", the start of every message about a line.
-std::string Where(const std::string &name, int lineNumber) {
-  return name + ":" + std::to_string(lineNumber) + ": ";
-}
-
 // Splits a line into fields at blanks and commas. Blanks around a comma are
 // part of the separator; two commas with nothing between them, or a comma at
 // either end of the line, leave an empty field, which is refused.
-void SplitFields(std::string_view line, const std::string &name, int lineNumber,
+void SplitFields(std::string_view line, const std::string &name, std::int64_t lineNumber,
                  std::vector<std::string_view> &fields) {
   fields.clear();
   bool commaPending = false;
@@ -91,7 +61,7 @@ void SplitFields(std::string_view line, const std::string &name, int lineNumber,
       ++i;
     } else if (c == ',') {
       if (fields.empty() || commaPending) {
-        throw InputError(Where(name, lineNumber) + "empty field before a comma");
+        throw ReadError(name, lineNumber, "empty field before a comma");
       }
       commaPending = true;
       ++i;
@@ -104,17 +74,18 @@ void SplitFields(std::string_view line, const std::string &name, int lineNumber,
       i = j;
     }
   }
-  if (commaPending) throw InputError(Where(name, lineNumber) + "empty field after the last comma");
+  if (commaPending) throw ReadError(name, lineNumber, "empty field after the last comma");
 }
 
 }  // namespace
 
-PointTable ParsePointText(std::string_view text, const std::string &name, ColumnMeaning meaning) {
+PointSet ParsePointText(std::string_view text, const std::string &name,
+                        const ReadOptions &options) {
   std::vector<double> columns[3];
-  std::vector<int> lines;
+  std::vector<std::int64_t> lines;
   bool headerAllowed = true;
   std::vector<std::string_view> fields;
-  int lineNumber = 0;
+  std::int64_t lineNumber = 0;
   // A byte order mark, as some editors write at the start of UTF-8 files.
   size_t start = text.substr(0, 3) == "\xEF\xBB\xBF" ? 3 : 0;
   while (start < text.size()) {
@@ -145,55 +116,34 @@ PointTable ParsePointText(std::string_view text, const std::string &name, Column
       double value = 0.0;
       switch (ParseField(fields[f], value)) {
         case Field::kWord:
-          throw InputError(Where(name, lineNumber) + "'" + Shown(fields[f]) + "' is not a number");
+          throw ReadError(name, lineNumber, "'" + Shown(fields[f]) + "' is not a number");
         case Field::kNotFinite:
-          throw InputError(Where(name, lineNumber) + "'" + Shown(fields[f]) +
-                           "' is not a finite number (NaN and infinity are not allowed)");
+          throw ReadError(name, lineNumber,
+                          "'" + Shown(fields[f]) +
+                              "' is not a finite number (NaN and infinity are not allowed)");
         case Field::kTooLarge:
-          throw InputError(Where(name, lineNumber) + "'" + Shown(fields[f]) +
-                           "' is too large for a double");
+          throw ReadError(name, lineNumber, "'" + Shown(fields[f]) + "' is too large for a double");
         case Field::kNumber:
           if (f < 3) values[f] = value;
           break;
       }
     }
     if (fields.size() != 3) {
-      throw InputError(Where(name, lineNumber) + "expected 3 numbers (" + meaning.names +
-                       "), found " + std::to_string(fields.size()));
+      throw ReadError(name, lineNumber,
+                      std::string("expected 3 numbers (") + options.columnNames + "), found " +
+                          std::to_string(fields.size()));
     }
     if (lines.size() >= static_cast<size_t>(INT_MAX / 3)) {
-      throw InputError(Where(name, lineNumber) + "too many points; at most " +
-                       std::to_string(INT_MAX / 3) + " fit in one matrix");
+      throw ReadError(
+          name, lineNumber,
+          "too many points; at most " + std::to_string(INT_MAX / 3) + " fit in one matrix");
     }
     for (int r = 0; r < 3; ++r)
       columns[r].push_back(values[r]);
     lines.push_back(lineNumber);
   }
-  return PointTable(name, std::move(columns[0]), std::move(columns[1]), std::move(columns[2]),
-                    std::move(lines));
+  return PointSet(name, std::move(columns[0]), std::move(columns[1]), std::move(columns[2]),
+                  std::move(lines));
 }
 
-PointTable ReadPointFile(const std::string &path, ColumnMeaning meaning) {
-  const bool standardInput = path == "-";
-  const std::string name = standardInput ? "<stdin>" : path;
-  std::error_code ignored;
-  if (!standardInput && std::filesystem::is_directory(path, ignored)) {
-    throw InputError("cannot read " + name + ": it is a directory");
-  }
-  std::FILE *file = standardInput ? stdin : std::fopen(path.c_str(), "rb");
-  if (file == nullptr) throw InputError("cannot open " + name + ": " + std::strerror(errno));
-
-  // One pass over the file in large blocks; the text is parsed afterwards.
-  std::string text;
-  std::vector<char> block(1 << 20);
-  size_t got = 0;
-  while ((got = std::fread(block.data(), 1, block.size(), file)) > 0)
-    text.append(block.data(), got);
-  const bool failed = std::ferror(file) != 0;
-  const int error = errno;
-  if (!standardInput) std::fclose(file);
-  if (failed) throw InputError("cannot read " + name + ": " + std::strerror(error));
-  return ParsePointText(text, name, meaning);
-}
-
-}  // namespace quadrel_fit
+}  // namespace quadrel_io

@@ -1,0 +1,67 @@
+// A set of points read from a file: x, y and z of every point, optional named
+// columns of further numbers (labels, intensities, ...), the name of the
+// source as messages show it, and where in the source each point came from.
+#ifndef QUADREL_IO_POINT_SET_H
+#define QUADREL_IO_POINT_SET_H
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace quadrel_io {
+
+// What the origin of a point counts: the line of a text file, or the record
+// of a binary file; both from 1.
+enum class OriginKind { kLine, kRecord };
+
+// A named column of one number per point, in the order of the points.
+struct ExtraColumn {
+  std::string name;
+  std::vector<double> values;
+};
+
+// The coordinates are kept axis by axis in one block: all x, then all y, then
+// all z, so a 3 x n row-major matrix or the columns of an (n, 3) array are
+// filled from it with three copies.
+class PointSet {
+ public:
+  PointSet() = default;
+  // Takes the coordinates, one vector per axis, and the origin of each point;
+  // all four vectors must have the same length.
+  PointSet(std::string name, std::vector<double> x, std::vector<double> y, std::vector<double> z,
+           std::vector<std::int64_t> origins, OriginKind originKind = OriginKind::kLine);
+
+  // The source as messages show it: the path, or "<stdin>".
+  const std::string &name() const { return name_; }
+  int count() const { return static_cast<int>(origins_.size()); }
+  // 3 * count() numbers: x of every point, then y, then z.
+  const double *coordinates() const { return values_.data(); }
+  // Axis r (0 for x, 1 for y, 2 for z) of every point, count() values.
+  const double *axis(int r) const {
+    return values_.data() + static_cast<std::size_t>(r) * origins_.size();
+  }
+  // Axis r of point k; r in 0..2, k in 0..count()-1.
+  double at(int r, int k) const { return axis(r)[k]; }
+  // Where point k came from (see originKind()), from 1.
+  std::int64_t originOf(int k) const { return origins_[static_cast<std::size_t>(k)]; }
+  OriginKind originKind() const { return originKind_; }
+
+  // Adds a named column; values must hold count() numbers and the name must
+  // be new (the column is not added otherwise, and false comes back).
+  bool AddColumn(std::string name, std::vector<double> values);
+  // The column of that name, or nullptr when there is none.
+  const ExtraColumn *FindColumn(std::string_view name) const;
+  const std::vector<ExtraColumn> &columns() const { return columns_; }
+
+ private:
+  std::string name_;
+  std::vector<double> values_;
+  std::vector<std::int64_t> origins_;
+  OriginKind originKind_ = OriginKind::kLine;
+  std::vector<ExtraColumn> columns_;
+};
+
+}  // namespace quadrel_io
+
+#endif  // QUADREL_IO_POINT_SET_H

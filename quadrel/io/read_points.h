@@ -1,0 +1,27 @@
+// The entry to every point reader: bytes or a file in, a PointSet out. The
+// format is told from the content, never from the file name, so standard
+// input serves as well as a file. Text is the one format so far.
+#ifndef QUADREL_IO_READ_POINTS_H
+#define QUADREL_IO_READ_POINTS_H
+
+#include <string>
+#include <string_view>
+
+#include "quadrel/io/point_set.h"
+#include "quadrel/io/read_options.h"
+
+namespace quadrel_io {
+
+// Parses the whole content of a point file with the reader of its format;
+// name is the source as messages show it. Throws ReadError on any fault.
+PointSet ParsePoints(std::string_view content, const std::string &name,
+                     const ReadOptions &options = kPointColumns);
+
+// Reads and parses the file at path; "-" reads standard input, which messages
+// call "<stdin>". Throws ReadError when the file cannot be opened or read
+// ("cannot open points.txt: No such file or directory") or its content is bad.
+PointSet ReadPoints(const std::string &path, const ReadOptions &options = kPointColumns);
+
+}  // namespace quadrel_io
+
+#endif  // QUADREL_IO_READ_POINTS_H

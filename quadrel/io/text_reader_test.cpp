@@ -1,0 +1,122 @@
+// The text reader and the point set it fills, in process: what it accepts,
+// where each point came from, and the exact message of every fault.
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <string>
+#include <vector>
+
+#include "quadrel/io/point_set.h"
+#include "quadrel/io/read_error.h"
+#include "quadrel/io/read_points.h"
+#include "quadrel/io/text_reader.h"
+
+namespace {
+
+using quadrel_io::ParsePointText;
+using quadrel_io::PointSet;
+using quadrel_io::ReadError;
+
+TEST(TextReader, ReadsEveryLayoutWithTheLineOfEachPoint) {
+  // Byte order mark, comments, blank lines, a header, commas with blanks
+  // round them, tabs, a carriage return, signs and exponents.
+  const PointSet set = ParsePointText(
+      "\xEF\xBB\xBF# made by hand\n\n  x, y ,z\n+1 -2 3e1\n4,5 , 6\n   # note\n7\t8\t.5\r\n"
+      "1e-999 0 -0\n",
+      "hand.txt");
+  EXPECT_EQ(set.name(), "hand.txt");
+  ASSERT_EQ(set.count(), 4);
+  const std::vector<double> all(set.coordinates(), set.coordinates() + 12);
+  EXPECT_EQ(all, (std::vector<double>{1, 4, 7, 0, -2, 5, 8, 0, 30, 6, 0.5, 0}));
+  EXPECT_EQ(set.axis(1), set.coordinates() + 4);
+  EXPECT_EQ(set.at(2, 2), 0.5);
+  const std::int64_t lines[] = {4, 5, 7, 8};
+  for (int k = 0; k < 4; ++k)
+    EXPECT_EQ(set.originOf(k), lines[k]) << k;
+  EXPECT_EQ(set.originKind(), quadrel_io::OriginKind::kLine);
+
+  // A first line of numbers is a point, not a header; empty text is no point.
+  EXPECT_EQ(ParsePointText("1 2 3\n", "n").count(), 1);
+  EXPECT_EQ(ParsePointText("", "n").count(), 0);
+  EXPECT_EQ(ParsePointText("# only\nx y z\n", "n").count(), 0);
+}
+
+TEST(TextReader, NamesFileLineAndFaultInEveryMessage) {
+  const std::string longWord(45, 'w');
+  const struct {
+    std::string text;
+    std::int64_t line;
+    std::string fault;
+  } cases[] = {
+      {"1 2 3\n4 5\n", 2, "expected 3 numbers (x y z), found 2"},
+      {"1 2 3 4\n", 1, "expected 3 numbers (x y z), found 4"},
+      {"x y z\n1 2 3\n4 five 6\n", 3, "'five' is not a number"},
+      {"1 2 3\nx y z\n", 2, "'x' is not a number"},
+      {"1 2 +-3\n", 1, "'+-3' is not a number"},
+      {"1 2 nan\n", 1, "'nan' is not a finite number (NaN and infinity are not allowed)"},
+      {"# c\n1 -inf 3\n", 2, "'-inf' is not a finite number (NaN and infinity are not allowed)"},
+      {"1 2 1e999\n", 1, "'1e999' is too large for a double"},
+      {"1,,2,3\n", 1, "empty field before a comma"},
+      {",1 2 3\n", 1, "empty field before a comma"},
+      {"1 2 3,\n", 1, "empty field after the last comma"},
+      {"1 2 3\n" + longWord + " 1 2\n", 2, "'" + longWord.substr(0, 37) + "...' is not a number"},
+  };
+  for (const auto &c : cases) {
+    SCOPED_TRACE(c.text);
+    try {
+      ParsePointText(c.text, "bad.txt");
+      ADD_FAILURE() << "no error";
+    } catch (const ReadError &error) {
+      EXPECT_EQ(error.file(), "bad.txt");
+      EXPECT_EQ(error.position(), c.line);
+      EXPECT_EQ(error.fault(), c.fault);
+      EXPECT_EQ(std::string(error.what()), "bad.txt:" + std::to_string(c.line) + ": " + c.fault);
+    }
+  }
+  // The count message names the columns as the caller reads them.
+  try {
+    ParsePointText("1 2\n", "s", quadrel_io::kSampleColumns);
+    ADD_FAILURE() << "no error";
+  } catch (const ReadError &error) {
+    EXPECT_STREQ(error.what(), "s:1: expected 3 numbers (x y quality), found 2");
+  }
+}
+
+TEST(ReadPoints, ReadsFilesAndNamesThoseItCannotRead) {
+  const std::string path = ::testing::TempDir() + "quadrel_io_points.txt";
+  std::FILE *file = std::fopen(path.c_str(), "wb");
+  ASSERT_NE(file, nullptr);
+  std::fputs("x y z\n1 2 3\n4 5 6\n", file);
+  std::fclose(file);
+  const PointSet set = quadrel_io::ReadPoints(path);
+  EXPECT_EQ(set.name(), path);
+  EXPECT_EQ(set.count(), 2);
+  EXPECT_EQ(set.originOf(1), 3);
+  std::remove(path.c_str());
+
+  const std::pair<std::string, std::string> unreadable[] = {
+      {"/no/such/file.txt", "cannot open /no/such/file.txt: No such file or directory"},
+      {"/", "cannot read /: it is a directory"}};
+  for (const auto &[where, message] : unreadable) {
+    try {
+      quadrel_io::ReadPoints(where);
+      ADD_FAILURE() << where;
+    } catch (const ReadError &error) {
+      EXPECT_EQ(error.what(), message);
+      EXPECT_EQ(error.position(), 0);
+    }
+  }
+}
+
+TEST(PointSet, KeepsNamedColumnsOfOneNumberPerPoint) {
+  PointSet set = ParsePointText("0 0 0\n1 1 1\n2 2 2\n", "c");
+  EXPECT_TRUE(set.AddColumn("label", {1, 1, 2}));
+  EXPECT_FALSE(set.AddColumn("label", {3, 3, 3}));   // taken
+  EXPECT_FALSE(set.AddColumn("intensity", {1, 2}));  // one short
+  ASSERT_EQ(set.columns().size(), 1u);
+  ASSERT_NE(set.FindColumn("label"), nullptr);
+  EXPECT_EQ(set.FindColumn("label")->values[2], 2);
+  EXPECT_EQ(set.FindColumn("intensity"), nullptr);
+}
+
+}  // namespace
