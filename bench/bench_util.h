@@ -19,7 +19,7 @@
 
 #include <quadrel/quadrel.h>
 
-#include "alloc_count.h"
+#include "quadrel/testing/alloc_counter.h"
 
 // A rows x cols block of numbers in row order: element (i, j) at i * cols + j.
 struct Block {
@@ -73,12 +73,12 @@ template <class Call>
 void TimeCalls(benchmark::State &state, std::int64_t itemsPerCall, bool countAllocations,
                Call &&call) {
   call();
-  const std::size_t before = BenchAllocationCount();
+  const std::size_t before = AllocationCount();
   for (auto _ : state) {
     call();
     benchmark::ClobberMemory();
   }
-  const std::size_t after = BenchAllocationCount();
+  const std::size_t after = AllocationCount();
   if (countAllocations) {
     state.counters["allocs"] =
         static_cast<double>(after - before) / static_cast<double>(state.iterations());

@@ -19,8 +19,9 @@ foreach(file include/quadrel/quadrel.h include/quadrel/matrix/matrix.h lib/pkgco
     message(FATAL_ERROR "install did not give ${file}")
   endif()
 endforeach()
-if(EXISTS ${prefix}/include/quadrel/matrix/contract.h)
-  message(FATAL_ERROR "an internal header was installed")
+file(GLOB_RECURSE internal_headers ${prefix}/include/*/internal/*)
+if(internal_headers)
+  message(FATAL_ERROR "internal headers were installed: ${internal_headers}")
 endif()
 
 # find_package(quadrel CONFIG) gives quadrel::quadrel.

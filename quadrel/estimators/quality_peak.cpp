@@ -3,12 +3,12 @@
 
 #include <cmath>
 
-#include "quadrel/estimators/gradient_step.h"
+#include "quadrel/estimators/internal/gradient_step.h"
 #include "quadrel/functions/constructors.h"
 #include "quadrel/functions/rearrange.h"
 #include "quadrel/functions/reductions.h"
 #include "quadrel/linalg/least_squares.h"
-#include "quadrel/matrix/contract.h"
+#include "quadrel/matrix/internal/contract.h"
 #include "quadrel/matrix/operators.h"
 
 namespace {

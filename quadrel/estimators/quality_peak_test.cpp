@@ -4,7 +4,7 @@
 
 #include <gtest/gtest.h>
 
-#include "quadrel/estimators/gradient_step.h"
+#include "quadrel/estimators/internal/gradient_step.h"
 #include "quadrel/testing/test_util.h"
 
 namespace {

@@ -3,13 +3,13 @@
 
 #include <cmath>
 
-#include "quadrel/estimators/trihedral_step.h"
+#include "quadrel/estimators/internal/trihedral_step.h"
 #include "quadrel/fitting/line_plane.h"
 #include "quadrel/functions/constructors.h"
 #include "quadrel/functions/rearrange.h"
 #include "quadrel/geometry/vectors.h"
 #include "quadrel/linalg/least_squares.h"
-#include "quadrel/matrix/contract.h"
+#include "quadrel/matrix/internal/contract.h"
 #include "quadrel/matrix/operators.h"
 
 namespace {

@@ -12,11 +12,12 @@
 #include "quadrel/functions/rearrange.h"
 #include "quadrel/geometry/rotations.h"
 #include "quadrel/geometry/vectors.h"
-#include "quadrel/linalg/tall_lsq.h"
-#include "quadrel/matrix/access.h"
-#include "quadrel/matrix/contract.h"
+#include "quadrel/linalg/internal/tall_lsq.h"
+#include "quadrel/matrix/internal/access.h"
+#include "quadrel/matrix/internal/prefetch.h"
+#include "quadrel/matrix/internal/contract.h"
 #include "quadrel/matrix/operators.h"
-#include "quadrel/matrix/scalar.h"
+#include "quadrel/matrix/internal/scalar.h"
 
 void CircleFit(const CMatrix &points, CMatrix &centre, CMatrix &normal, double &radius,
                CMatrix &residuals) {

@@ -3,17 +3,17 @@
 
 #include <cmath>
 
-#include "quadrel/fitting/ellipse_cost.h"
+#include "quadrel/fitting/internal/ellipse_cost.h"
 #include "quadrel/fitting/line_plane.h"
-#include "quadrel/fitting/simplex.h"
+#include "quadrel/fitting/internal/simplex.h"
 #include "quadrel/functions/rearrange.h"
 #include "quadrel/geometry/rotations.h"
 #include "quadrel/geometry/vectors.h"
 #include "quadrel/linalg/least_squares.h"
-#include "quadrel/matrix/access.h"
-#include "quadrel/matrix/contract.h"
+#include "quadrel/matrix/internal/access.h"
+#include "quadrel/matrix/internal/contract.h"
 #include "quadrel/matrix/operators.h"
-#include "quadrel/matrix/scalar.h"
+#include "quadrel/matrix/internal/scalar.h"
 
 namespace {
 

@@ -4,7 +4,7 @@
 
 #include <gtest/gtest.h>
 
-#include "quadrel/fitting/ellipse_cost.h"
+#include "quadrel/fitting/internal/ellipse_cost.h"
 #include "quadrel/testing/test_util.h"
 
 namespace {

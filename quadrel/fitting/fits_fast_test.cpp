@@ -20,7 +20,7 @@
 #include "quadrel/linalg/least_squares.h"
 #include "quadrel/linalg/svd.h"
 #include "quadrel/matrix/operators.h"
-#include "quadrel/matrix/scalar.h"
+#include "quadrel/matrix/internal/scalar.h"
 #include "quadrel/testing/alloc_counter.h"
 #include "quadrel/testing/test_util.h"
 

@@ -9,7 +9,7 @@
 #include "quadrel/fitting/ellipse.h"
 #include "quadrel/fitting/line_plane.h"
 #include "quadrel/fitting/paraboloid.h"
-#include "quadrel/fitting/simplex.h"
+#include "quadrel/fitting/internal/simplex.h"
 #include "quadrel/testing/test_util.h"
 
 namespace {

@@ -4,8 +4,8 @@
 #include "quadrel/functions/rearrange.h"
 #include "quadrel/geometry/distances.h"
 #include "quadrel/linalg/svd.h"
-#include "quadrel/matrix/access.h"
-#include "quadrel/matrix/contract.h"
+#include "quadrel/matrix/internal/access.h"
+#include "quadrel/matrix/internal/contract.h"
 
 namespace {
 

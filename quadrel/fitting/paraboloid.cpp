@@ -3,11 +3,12 @@
 
 #include <cmath>
 
-#include "quadrel/fitting/sign_ref.h"
-#include "quadrel/linalg/tall_lsq.h"
-#include "quadrel/matrix/access.h"
-#include "quadrel/matrix/contract.h"
-#include "quadrel/matrix/scalar.h"
+#include "quadrel/fitting/internal/sign_ref.h"
+#include "quadrel/linalg/internal/tall_lsq.h"
+#include "quadrel/matrix/internal/access.h"
+#include "quadrel/matrix/internal/prefetch.h"
+#include "quadrel/matrix/internal/contract.h"
+#include "quadrel/matrix/internal/scalar.h"
 
 void ParaboloidFit(const CMatrix &points, CMatrix &vertex, double &a, double &b, double &sign,
                    CMatrix &residuals) {

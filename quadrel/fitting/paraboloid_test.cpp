@@ -4,7 +4,7 @@
 
 #include <gtest/gtest.h>
 
-#include "quadrel/fitting/sign_ref.h"
+#include "quadrel/fitting/internal/sign_ref.h"
 #include "quadrel/testing/test_util.h"
 
 namespace {

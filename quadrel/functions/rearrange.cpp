@@ -1,8 +1,8 @@
 // Rows, columns and rearrangement.
 #include "quadrel/functions/rearrange.h"
 
-#include "quadrel/matrix/access.h"
-#include "quadrel/matrix/contract.h"
+#include "quadrel/matrix/internal/access.h"
+#include "quadrel/matrix/internal/contract.h"
 
 CMatrix Col(const CMatrix &A, int j) {
   QUADREL_EXPECTS(j >= 0 && j < A.GetCols(),

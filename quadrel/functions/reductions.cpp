@@ -3,9 +3,9 @@
 
 #include <cmath>
 
-#include "quadrel/matrix/access.h"
-#include "quadrel/matrix/contract.h"
-#include "quadrel/matrix/scalar.h"
+#include "quadrel/matrix/internal/access.h"
+#include "quadrel/matrix/internal/contract.h"
+#include "quadrel/matrix/internal/scalar.h"
 
 namespace {
 

@@ -8,9 +8,9 @@
 #include "quadrel/functions/reductions.h"
 #include "quadrel/geometry/vectors.h"
 #include "quadrel/linalg/direct.h"
-#include "quadrel/matrix/contract.h"
+#include "quadrel/matrix/internal/contract.h"
 #include "quadrel/matrix/operators.h"
-#include "quadrel/matrix/scalar.h"
+#include "quadrel/matrix/internal/scalar.h"
 
 namespace {
 

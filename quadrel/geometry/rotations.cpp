@@ -3,7 +3,7 @@
 #include <cmath>
 
 #include "quadrel/functions/rearrange.h"
-#include "quadrel/matrix/contract.h"
+#include "quadrel/matrix/internal/contract.h"
 #include "quadrel/matrix/operators.h"
 
 namespace {

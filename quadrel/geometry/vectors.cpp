@@ -4,8 +4,8 @@
 #include <cstdio>
 
 #include "quadrel/functions/rearrange.h"
-#include "quadrel/geometry/clamp.h"
-#include "quadrel/matrix/contract.h"
+#include "quadrel/geometry/internal/clamp.h"
+#include "quadrel/matrix/internal/contract.h"
 
 namespace {
 

@@ -6,7 +6,7 @@
 
 #include <gtest/gtest.h>
 
-#include "quadrel/geometry/clamp.h"
+#include "quadrel/geometry/internal/clamp.h"
 #include "quadrel/testing/test_util.h"
 
 namespace {

@@ -4,9 +4,9 @@
 
 #include "quadrel/functions/constructors.h"
 #include "quadrel/functions/rearrange.h"
-#include "quadrel/matrix/contract.h"
+#include "quadrel/matrix/internal/contract.h"
 #include "quadrel/matrix/operators.h"
-#include "quadrel/matrix/scalar.h"
+#include "quadrel/matrix/internal/scalar.h"
 
 void Lu(const CMatrix &A, CMatrix &L, CMatrix &U, CMatrix &P) {
   QUADREL_EXPECTS(&L != &U && &L != &P && &U != &P, "L, U and P must be three different matrices");

@@ -6,7 +6,7 @@
 
 #include "quadrel/functions/constructors.h"
 #include "quadrel/functions/rearrange.h"
-#include "quadrel/matrix/contract.h"
+#include "quadrel/matrix/internal/contract.h"
 #include "quadrel/matrix/operators.h"
 #include "quadrel/testing/alloc_counter.h"
 #include "quadrel/testing/test_util.h"

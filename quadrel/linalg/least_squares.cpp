@@ -3,12 +3,12 @@
 #include <cstddef>
 
 #include "quadrel/linalg/svd.h"
-#include "quadrel/linalg/svd_core.h"
-#include "quadrel/linalg/svd_steps.h"
-#include "quadrel/linalg/tall_lsq.h"
-#include "quadrel/linalg/work_arrays.h"
-#include "quadrel/matrix/access.h"
-#include "quadrel/matrix/contract.h"
+#include "quadrel/linalg/internal/svd_core.h"
+#include "quadrel/linalg/internal/svd_steps.h"
+#include "quadrel/linalg/internal/tall_lsq.h"
+#include "quadrel/linalg/internal/work_arrays.h"
+#include "quadrel/matrix/internal/access.h"
+#include "quadrel/matrix/internal/contract.h"
 
 // The result is the one of the plain formulation: Svd(A, U, S, V), the largest
 // singular value by Max(Diag(S)), the rank threshold, T = S with its non-zero

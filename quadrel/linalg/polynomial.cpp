@@ -3,7 +3,7 @@
 #include <cmath>
 
 #include "quadrel/linalg/least_squares.h"
-#include "quadrel/matrix/contract.h"
+#include "quadrel/matrix/internal/contract.h"
 
 namespace {
 

@@ -3,10 +3,10 @@
 #include <cstddef>
 
 #include "quadrel/functions/constructors.h"
-#include "quadrel/linalg/svd_core.h"
-#include "quadrel/linalg/work_arrays.h"
-#include "quadrel/matrix/access.h"
-#include "quadrel/matrix/contract.h"
+#include "quadrel/linalg/internal/svd_core.h"
+#include "quadrel/linalg/internal/work_arrays.h"
+#include "quadrel/matrix/internal/access.h"
+#include "quadrel/matrix/internal/contract.h"
 
 double Svd(const CMatrix &A, CMatrix &U, CMatrix &S, CMatrix &V) {
   QUADREL_EXPECTS(&S != &A && &V != &A, "S and V must not be the input matrix");

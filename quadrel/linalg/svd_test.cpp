@@ -7,8 +7,8 @@
 
 #include "quadrel/functions/constructors.h"
 #include "quadrel/functions/rearrange.h"
-#include "quadrel/linalg/svd_core.h"
-#include "quadrel/matrix/contract.h"
+#include "quadrel/linalg/internal/svd_core.h"
+#include "quadrel/matrix/internal/contract.h"
 #include "quadrel/matrix/operators.h"
 #include "quadrel/testing/alloc_counter.h"
 #include "quadrel/testing/test_util.h"

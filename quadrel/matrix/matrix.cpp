@@ -4,20 +4,8 @@
 #include <cstring>
 #include <new>
 
-#include "quadrel/matrix/contract.h"
-
-namespace {
-
-// Largest element count kept inside the object.
-constexpr int kInObject = 9;
-
-bool LegalShape(int rows, int cols) {
-  if (rows < 0 || cols < 0) return false;
-  if (static_cast<long long>(rows) * cols > 0x7fffffffLL) return false;
-  return rows > 0 || cols <= kInObject;
-}
-
-}  // namespace
+#include "quadrel/matrix/internal/contract.h"
+#include "quadrel/matrix/internal/storage.h"
 
 void CMatrix::Alloc(int rows, int cols) {
   QUADREL_EXPECTS(LegalShape(rows, cols),
@@ -59,7 +47,7 @@ CMatrix &CMatrix::Copy(const CMatrix &source) {
   if (this == &source) return *this;
   const int s = source.m_nRows * source.m_nCols;
   const int t = m_nRows * m_nCols;
-  if (s > t || (t > kInObject && s <= kInObject)) {
+  if (NeedsNewStorage(s, t)) {
     Release();
     // A failed allocation must not leave a matrix whose shape claims heap
     // blocks that it does not hold: Alloc resets the shape to 0 x 0 then.

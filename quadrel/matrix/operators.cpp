@@ -1,8 +1,9 @@
 // Arithmetic, comparison and logic operators on CMatrix.
 #include "quadrel/matrix/operators.h"
 
-#include "quadrel/matrix/access.h"
-#include "quadrel/matrix/contract.h"
+#include "quadrel/matrix/internal/access.h"
+#include "quadrel/matrix/internal/double_pair.h"
+#include "quadrel/matrix/internal/contract.h"
 
 namespace {
 

@@ -1,7 +1,8 @@
 // Selection by index matrices and in-place edits of CMatrix.
 #include <utility>
 
-#include "quadrel/matrix/contract.h"
+#include "quadrel/matrix/internal/contract.h"
+#include "quadrel/matrix/internal/storage.h"
 #include "quadrel/matrix/matrix.h"
 
 namespace {
@@ -28,12 +29,6 @@ int FirstBadEntry(const CMatrix &list, int n) {
   for (int a = 0; a < length; ++a)
     if (!IndexFits(list(a), n)) return a;
   return -1;
-}
-
-bool LegalShape(int rows, int cols) {
-  if (rows < 0 || cols < 0) return false;
-  if (static_cast<long long>(rows) * cols > 0x7fffffffLL) return false;
-  return rows > 0 || cols <= 9;
 }
 
 }  // namespace
@@ -166,7 +161,7 @@ const CMatrix &CMatrix::SwapCols(int a, int b) {
 
 const CMatrix &CMatrix::Transpose() {
   QUADREL_EXPECTS(
-      m_nCols > 0 || m_nRows <= 9,
+      LegalShape(m_nCols, m_nRows),
       QuadrelFormat("the transpose %d x %d would be no legal matrix shape", m_nCols, m_nRows));
   CMatrix transposed(m_nCols, m_nRows);
   for (int i = 0; i < m_nCols; ++i)

@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "quadrel/matrix/access.h"
+#include "quadrel/matrix/internal/access.h"
 #include "quadrel/matrix/matrix.h"
 #include "quadrel/testing/alloc_counter.h"
 #include "quadrel/testing/test_util.h"

@@ -1,8 +1,8 @@
 // Column-wise sorting of a CMatrix with a record of where each element came
 // from.
-#include "quadrel/matrix/contract.h"
+#include "quadrel/matrix/internal/contract.h"
 #include "quadrel/matrix/matrix.h"
-#include "quadrel/matrix/sort_engine.h"
+#include "quadrel/matrix/internal/sort_engine.h"
 
 const CMatrix &CMatrix::Sort(CMatrix &index) {
   QUADREL_EXPECTS(&index != this, "index must be another matrix than the one sorted");

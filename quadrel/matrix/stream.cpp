@@ -1,7 +1,7 @@
 // Text output of CMatrix.
 #include "quadrel/matrix/stream.h"
 
-#include "quadrel/matrix/contract.h"
+#include "quadrel/matrix/internal/contract.h"
 
 std::ostream &operator<<(std::ostream &stream, const CMatrix &A) {
   const int rows = A.GetRows();

@@ -36,6 +36,18 @@ void *Allocate(std::size_t size) {
   throw std::bad_alloc();
 }
 
+void *AllocateAligned(std::size_t size, std::align_val_t alignment) {
+  ++allocations;
+  if (FailHere()) throw std::bad_alloc();
+  const std::size_t align = static_cast<std::size_t>(alignment);
+  // aligned_alloc wants a size that is a multiple of the alignment.
+  const std::size_t rounded = (size + align - 1) / align * align;
+  void *p = std::aligned_alloc(align, rounded == 0 ? align : rounded);
+  if (!p) throw std::bad_alloc();
+  ++liveBlocks;
+  return p;
+}
+
 void Free(void *p) {
   if (!p) return;
   --liveBlocks;
@@ -75,6 +87,24 @@ void *operator new(std::size_t size, const std::nothrow_t &) noexcept {
 }
 void *operator new[](std::size_t size, const std::nothrow_t &) noexcept {
   return TryAllocate(size);
+}
+void *operator new(std::size_t size, std::align_val_t alignment) {
+  return AllocateAligned(size, alignment);
+}
+void *operator new[](std::size_t size, std::align_val_t alignment) {
+  return AllocateAligned(size, alignment);
+}
+void operator delete(void *p, std::align_val_t) noexcept {
+  Free(p);
+}
+void operator delete[](void *p, std::align_val_t) noexcept {
+  Free(p);
+}
+void operator delete(void *p, std::size_t, std::align_val_t) noexcept {
+  Free(p);
+}
+void operator delete[](void *p, std::size_t, std::align_val_t) noexcept {
+  Free(p);
 }
 void operator delete(void *p) noexcept {
   Free(p);

@@ -1,7 +1,9 @@
-// Counting of heap allocations in tests, and injected allocation failures.
+// Counting of heap allocations in tests and benchmarks, and injected
+// allocation failures.
 //
-// The test programs replace the global operator new with one that counts the
-// calls made on the current thread. AllocationCount gives the count so far;
+// A program that links this replaces the global operator new with one that
+// counts the calls made on the current thread, including those made inside
+// libquadrel.so, which resolves operator new to the program's definition. AllocationCount gives the count so far;
 // tests take the difference around the code they measure. LiveBlocks counts
 // the blocks handed out and not yet given back on this thread, so that a test
 // can see whether a call, also one that ended in an exception, freed all it

@@ -1,11 +1,11 @@
 // Nelder-Mead downhill simplex search.
-#include "quadrel/fitting/simplex.h"
+#include "quadrel/fitting/internal/simplex.h"
 
 #include "quadrel/functions/constructors.h"
 #include "quadrel/functions/rearrange.h"
-#include "quadrel/matrix/contract.h"
+#include "quadrel/matrix/internal/contract.h"
 #include "quadrel/matrix/operators.h"
-#include "quadrel/matrix/scalar.h"
+#include "quadrel/matrix/internal/scalar.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "quadrel/fitting/simplex.h"
+#include "quadrel/fitting/internal/simplex.h"
 
 #include <vector>
 

@@ -1,4 +1,4 @@
-#include "quadrel/matrix/contract.h"
+#include "quadrel/matrix/internal/contract.h"
 
 #include <cmath>
 #include <cstdarg>

@@ -5,7 +5,7 @@
 #include <cstddef>
 #include <new>
 
-#include "quadrel/matrix/access.h"
+#include "quadrel/matrix/internal/access.h"
 
 // count values of type T, on the stack when at most kLocal are needed (and
 // the caller allows it), on the heap otherwise; freed on every way out. The

@@ -8,8 +8,9 @@
 
 #include <cmath>
 
-#include "quadrel/linalg/svd_core.h"
-#include "quadrel/matrix/access.h"
+#include "quadrel/linalg/internal/svd_core.h"
+#include "quadrel/matrix/internal/access.h"
+#include "quadrel/matrix/internal/double_pair.h"
 
 // The bound B on the norm of the bidiagonal form makes the convergence tests:
 // t counts as zero when adding it to B changes nothing. A NaN on either side

@@ -1,12 +1,13 @@
-#include "quadrel/linalg/svd_core.h"
+#include "quadrel/linalg/internal/svd_core.h"
 
 #include <cmath>
 #include <cstddef>
 
-#include "quadrel/linalg/svd_steps.h"
-#include "quadrel/linalg/work_arrays.h"
-#include "quadrel/matrix/access.h"
-#include "quadrel/matrix/scalar.h"
+#include "quadrel/linalg/internal/svd_steps.h"
+#include "quadrel/linalg/internal/work_arrays.h"
+#include "quadrel/matrix/internal/access.h"
+#include "quadrel/matrix/internal/double_pair.h"
+#include "quadrel/matrix/internal/scalar.h"
 
 double StableHypot(double a, double b) {
   const double p = std::fabs(a);

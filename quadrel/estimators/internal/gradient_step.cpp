@@ -1,5 +1,5 @@
 // One fixed-length step up the gradient of a quadratic surface.
-#include "quadrel/estimators/gradient_step.h"
+#include "quadrel/estimators/internal/gradient_step.h"
 
 #include <cmath>
 

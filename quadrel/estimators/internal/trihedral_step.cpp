@@ -1,5 +1,5 @@
 // One Gauss-Newton step of the ideal trihedral fit.
-#include "quadrel/estimators/trihedral_step.h"
+#include "quadrel/estimators/internal/trihedral_step.h"
 
 #include <cmath>
 
@@ -8,7 +8,7 @@
 #include "quadrel/geometry/rotations.h"
 #include "quadrel/geometry/vectors.h"
 #include "quadrel/linalg/least_squares.h"
-#include "quadrel/matrix/access.h"
+#include "quadrel/matrix/internal/access.h"
 #include "quadrel/matrix/operators.h"
 
 namespace {

@@ -1,11 +1,13 @@
-#include "quadrel/linalg/tall_lsq.h"
+#include "quadrel/linalg/internal/tall_lsq.h"
 
 #include <cmath>
 #include <cstddef>
 
-#include "quadrel/linalg/svd_core.h"
-#include "quadrel/linalg/svd_steps.h"
-#include "quadrel/matrix/access.h"
+#include "quadrel/linalg/internal/svd_core.h"
+#include "quadrel/linalg/internal/svd_steps.h"
+#include "quadrel/matrix/internal/access.h"
+#include "quadrel/matrix/internal/prefetch.h"
+#include "quadrel/matrix/internal/double_pair.h"
 
 // The loops over the few columns of a row are unrolled, so that their sums and
 // values stay in registers; -O2 alone leaves many of them rolled.

@@ -1,4 +1,4 @@
-#include "quadrel/estimators/trihedral_step.h"
+#include "quadrel/estimators/internal/trihedral_step.h"
 
 #include <cmath>
 

@@ -1,5 +1,5 @@
 // An in-place quicksort over a key array and a companion array.
-#include "quadrel/matrix/sort_engine.h"
+#include "quadrel/matrix/internal/sort_engine.h"
 
 namespace {
 
