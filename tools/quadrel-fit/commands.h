@@ -8,7 +8,8 @@
 #include <ostream>
 #include <string>
 
-#include "fits.h"
+#include "quadrel/frontend/outcome.h"
+#include "quadrel/frontend/shape_fit.h"
 
 namespace quadrel_fit {
 
@@ -18,9 +19,12 @@ struct OutputOptions {
   std::string svgPath;     // a picture as well, when set
 };
 
+// Throws an InputError with the reason when the outcome is a refusal.
+void Require(const quadrel_frontend::Outcome &outcome);
+
 // quadrel-fit SHAPE [FILE]
-void RunShapeCommand(Shape shape, const std::string &path, const OutputOptions &options,
-                     std::ostream &out);
+void RunShapeCommand(const quadrel_frontend::ShapeEntry &shape, const std::string &path,
+                     const OutputOptions &options, std::ostream &out);
 // quadrel-fit trihedral FILE1 FILE2 FILE3; the edge angle in degrees, strictly
 // between 0 and 120.
 void RunTrihedralCommand(const std::array<std::string, 3> &paths, double edgeAngleDegrees,

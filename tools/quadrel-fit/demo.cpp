@@ -5,9 +5,12 @@
 #include <cstdio>
 #include <vector>
 
-#include <nlohmann/json.hpp>
-
-#include "fits.h"
+#include "commands.h"
+#include "quadrel/frontend/format.h"
+#include "quadrel/frontend/peak_fit.h"
+#include "quadrel/frontend/report.h"
+#include "quadrel/frontend/shape_fit.h"
+#include "quadrel/frontend/trihedral_fit.h"
 #include "report.h"
 #include "samples.h"
 
@@ -15,8 +18,10 @@ namespace quadrel_fit {
 
 namespace {
 
-using Json = nlohmann::ordered_json;
-constexpr double kDegrees = 180.0 / 3.14159265358979323846;
+namespace fe = quadrel_frontend;
+using fe::FormatNumber;
+using fe::FormatVector;
+using fe::kDegrees;
 
 // One row of the table: a parameter, its true and its fitted value, and the
 // distance between the two. Rows about a status carry words instead.
@@ -47,50 +52,45 @@ Vec3 Aligned(const Vec3 &fitted, const Vec3 &truth) {
   return dot < 0.0 ? Vec3{-fitted[0], -fitted[1], -fitted[2]} : fitted;
 }
 
-void AddShapeRows(const ShapeResult &truth, const ShapeResult &fit, std::vector<Row> &rows) {
-  const std::string shape = ShapeName(truth.shape);
+// The rows of one shape: the fitted fields against the true ones.
+void AddShapeRows(const ShapeTruth &truth, const fe::ShapeFit &fit, std::vector<Row> &rows) {
+  const std::string &shape = truth.shape;
   auto vector = [&](const char *name, const Vec3 &t, const Vec3 &f) {
     rows.push_back({shape, name, Values(t), Values(f), "", ""});
   };
-  auto scalar = [&](const char *name, double t, double f) {
-    rows.push_back({shape, name, {t}, {f}, "", ""});
+  auto scalar = [&](const char *name, double t, const char *field) {
+    rows.push_back({shape, name, {t}, {fit.Scalar(field)}, "", ""});
   };
-  switch (truth.shape) {
-    case Shape::kLine:
-      vector("centroid", truth.centroid, fit.centroid);
-      vector("direction", truth.direction, Aligned(fit.direction, truth.direction));
-      break;
-    case Shape::kPlane:
-      vector("centroid", truth.centroid, fit.centroid);
-      vector("normal", truth.normal, Aligned(fit.normal, truth.normal));
-      break;
-    case Shape::kCircle:
-      vector("centre", truth.centre, fit.centre);
-      vector("normal", truth.normal, Aligned(fit.normal, truth.normal));
-      scalar("radius", truth.radius, fit.radius);
-      break;
-    case Shape::kSphere:
-      vector("centre", truth.centre, fit.centre);
-      scalar("radius", truth.radius, fit.radius);
-      break;
-    case Shape::kEllipse: {
-      vector("centre", truth.centre, fit.centre);
-      vector("normal", truth.normal, Aligned(fit.normal, truth.normal));
-      scalar("semi-major", truth.semiMajor, fit.semiMajor);
-      scalar("semi-minor", truth.semiMinor, fit.semiMinor);
-      // Which focus comes first falls out of the search.
-      const bool swapped = Distance(Values(truth.foci[0]), Values(fit.foci[0])) >
-                           Distance(Values(truth.foci[0]), Values(fit.foci[1]));
-      vector("focus 1", truth.foci[0], fit.foci[swapped ? 1 : 0]);
-      vector("focus 2", truth.foci[1], fit.foci[swapped ? 0 : 1]);
-      break;
-    }
-    case Shape::kParaboloid:
-      vector("vertex", truth.vertex, fit.vertex);
-      scalar("a", truth.a, fit.a);
-      scalar("b", truth.b, fit.b);
-      scalar("sign", truth.sign, fit.sign);
-      break;
+  auto aligned = [&](const char *field, const Vec3 &t) { return Aligned(fit.Vector(field), t); };
+  if (shape == "line") {
+    vector("centroid", truth.centroid, fit.Vector("centroid"));
+    vector("direction", truth.direction, aligned("direction", truth.direction));
+  } else if (shape == "plane") {
+    vector("centroid", truth.centroid, fit.Vector("centroid"));
+    vector("normal", truth.normal, aligned("normal", truth.normal));
+  } else if (shape == "circle") {
+    vector("centre", truth.centre, fit.Vector("centre"));
+    vector("normal", truth.normal, aligned("normal", truth.normal));
+    scalar("radius", truth.radius, "radius");
+  } else if (shape == "sphere") {
+    vector("centre", truth.centre, fit.Vector("centre"));
+    scalar("radius", truth.radius, "radius");
+  } else if (shape == "ellipse") {
+    vector("centre", truth.centre, fit.Vector("centre"));
+    vector("normal", truth.normal, aligned("normal", truth.normal));
+    scalar("semi-major", truth.semiMajor, "semi_major");
+    scalar("semi-minor", truth.semiMinor, "semi_minor");
+    // Which focus comes first falls out of the search.
+    const Vec3 foci[2] = {fit.Vector("focus_1"), fit.Vector("focus_2")};
+    const bool swapped = Distance(Values(truth.foci[0]), Values(foci[0])) >
+                         Distance(Values(truth.foci[0]), Values(foci[1]));
+    vector("focus 1", truth.foci[0], foci[swapped ? 1 : 0]);
+    vector("focus 2", truth.foci[1], foci[swapped ? 0 : 1]);
+  } else if (shape == "paraboloid") {
+    vector("vertex", truth.vertex, fit.Vector("vertex"));
+    scalar("a", truth.a, "a");
+    scalar("b", truth.b, "b");
+    scalar("sign", truth.sign, "sign");
   }
 }
 
@@ -104,12 +104,15 @@ void RunDemo(const DemoOptions &options, std::ostream &out) {
   const DemoData data = MakeDemoData(options.noise, options.seed);
   std::vector<Row> rows;
   for (const SampleShape &s : data.shapes) {
-    AddShapeRows(s.truth, FitShape(s.truth.shape, s.sample.table), rows);
+    const fe::ShapeFit fit = fe::FitShape(*fe::FindShape(s.truth.shape), s.sample.table);
+    Require(fit.outcome);
+    AddShapeRows(s.truth, fit, rows);
   }
 
-  const TrihedralResult &truth = data.trihedralTruth;
-  const TrihedralResult trihedral = FitTrihedral(
+  const fe::TrihedralFit &truth = data.trihedralTruth;
+  const fe::TrihedralFit trihedral = fe::FitTrihedral(
       {&data.faces[0].table, &data.faces[1].table, &data.faces[2].table}, truth.edgeAngle);
+  Require(trihedral.outcome);
   rows.push_back({"trihedral", "apex", Values(truth.apex), Values(trihedral.apex), "", ""});
   rows.push_back(
       {"trihedral",
@@ -120,41 +123,38 @@ void RunDemo(const DemoOptions &options, std::ostream &out) {
        "",
        ""});
   rows.push_back(
-      {"trihedral", "status", {}, {}, TrihedralStatus(0), TrihedralStatus(trihedral.code)});
+      {"trihedral", "status", {}, {}, fe::TrihedralStatus(0), fe::TrihedralStatus(trihedral.code)});
 
-  const PeakResult peak = FindPeak(data.peak.table);
+  const fe::PeakFit peak = fe::FindPeak(data.peak.table);
+  Require(peak.outcome);
   rows.push_back({"peak",
                   "position",
                   {data.peakTruth[0], data.peakTruth[1]},
                   {peak.peak[0], peak.peak[1]},
                   "",
                   ""});
-  rows.push_back({"peak", "method", {}, {}, PeakMethod(0), PeakMethod(peak.code)});
+  rows.push_back({"peak", "method", {}, {}, fe::PeakMethod(0), fe::PeakMethod(peak.code)});
 
   if (!options.saveDirectory.empty()) SaveSamples(data, options.saveDirectory);
 
   if (options.json) {
-    Json body = Json::object();
-    body["command"] = "demo";
-    body["noise"] = options.noise;
-    body["seed"] = options.seed;
-    Json list = Json::array();
+    fe::Report report;
+    report.entries = {fe::TextEntry("command", "demo"), fe::NumberEntry("noise", options.noise),
+                      fe::IntegerEntry("seed", options.seed)};
     for (const Row &row : rows) {
-      Json item = Json::object();
-      item["shape"] = row.shape;
-      item["parameter"] = row.parameter;
+      fe::ReportEntries item = {fe::TextEntry("shape", row.shape),
+                                fe::TextEntry("parameter", row.parameter)};
       if (row.truth.empty()) {
-        item["true"] = row.trueText;
-        item["fitted"] = row.fittedText;
+        item.push_back(fe::TextEntry("true", row.trueText));
+        item.push_back(fe::TextEntry("fitted", row.fittedText));
       } else {
-        item["true"] = row.truth;
-        item["fitted"] = row.fitted;
-        item["error"] = Distance(row.truth, row.fitted);
+        item.push_back(fe::NumberListEntry("true", row.truth));
+        item.push_back(fe::NumberListEntry("fitted", row.fitted));
+        item.push_back(fe::NumberEntry("error", Distance(row.truth, row.fitted)));
       }
-      list.push_back(item);
+      report.rows.push_back(std::move(item));
     }
-    body["rows"] = list;
-    WriteJson(body, out);
+    WriteJson(ToJson(report), out);
     return;
   }
 

@@ -8,45 +8,26 @@
 #include <map>
 #include <sstream>
 #include <string>
+#include <string_view>
 
 #include <CLI/CLI.hpp>
 
 #include "commands.h"
 #include "demo.h"
 #include "errors.h"
-#include "fits.h"
+#include "quadrel/frontend/shape_fit.h"
 
 namespace {
 
 using quadrel_fit::OutputOptions;
-using quadrel_fit::Shape;
 
-const char *const kCommands =
-    "line, plane, circle, sphere, ellipse, paraboloid, trihedral, peak, demo";
-
-// Words for each shape's --help.
-const std::map<std::string, std::string> kShapeHelp = {
-    {"line",
-     "Fit a straight line: centroid and unit direction; residuals are distances from the "
-     "line."},
-    {"plane",
-     "Fit a plane: centroid and unit normal; residuals are signed distances, positive "
-     "on the side the normal points to."},
-    {"circle",
-     "Fit a circle in space: centre, unit normal of its plane and radius; residuals are "
-     "distances from the circle."},
-    {"sphere",
-     "Fit a sphere: centre and radius; residuals are distances from the centre minus "
-     "the radius, positive outside."},
-    {"ellipse",
-     "Fit an ellipse in space: its two foci, the plane normal and the focal sum, with the "
-     "centre (mean of the foci) and the semi-axes derived from them; a residual combines a "
-     "point's height over the plane with the squared mismatch of its focal sum."},
-    {"paraboloid",
-     "Fit z = z0 + sign ((x - x0) / a)^2 + s ((y - y0) / b)^2, s = +1 or -1, with its section "
-     "axes along x and y: vertex, a, b and sign, the sign of the x curvature (s is not "
-     "reported); residuals are vertical, positive above the surface."},
-};
+// Every command, for messages: the shapes of the table, then the rest.
+std::string Commands() {
+  std::string names;
+  for (const quadrel_frontend::ShapeEntry &shape : quadrel_frontend::Shapes())
+    names += std::string(shape.name) + ", ";
+  return names + "trihedral, peak, demo";
+}
 
 const char *const kFileHelp =
     "Point file: one point per line as x y z, separated by blanks or commas; '#' lines, empty "
@@ -65,7 +46,7 @@ bool UnknownCommand(int argc, char **argv, std::string &word) {
     const std::string argument = argv[i];
     if (!argument.empty() && argument[0] == '-') continue;
     word = argument;
-    const std::string known = std::string(", ") + kCommands + ",";
+    const std::string known = ", " + Commands() + ",";
     return known.find(", " + argument + ",") == std::string::npos;
   }
   return false;
@@ -86,24 +67,24 @@ int Run(int argc, char **argv) {
 
   OutputOptions output;
   std::string path = "-";
-  std::map<std::string, CLI::App *> shapeCommands;
-  for (Shape shape : quadrel_fit::kAllShapes) {
-    const std::string name = quadrel_fit::ShapeName(shape);
-    CLI::App *command = app.add_subcommand(name, kShapeHelp.at(name));
+  std::map<const quadrel_frontend::ShapeEntry *, CLI::App *> shapeCommands;
+  for (const quadrel_frontend::ShapeEntry &shape : quadrel_frontend::Shapes()) {
+    const std::string_view name = shape.name;
+    CLI::App *command = app.add_subcommand(shape.name, shape.description);
     command->add_option("FILE", path, kFileHelp);
     command->add_flag("--json", output.json, "Write the results as one JSON object.");
     command->add_flag("--residuals", output.residuals,
                       "List the residual of every point, with its line in the file.");
-    if (shape == Shape::kCircle || shape == Shape::kEllipse || shape == Shape::kPlane) {
+    if (name == "circle" || name == "ellipse" || name == "plane") {
       command
           ->add_option("--svg", output.svgPath,
-                       shape == Shape::kPlane
+                       name == "plane"
                            ? "Draw the residual of every point as a bar into an SVG file."
                            : "Draw the points in the fitted plane with the fitted curve into "
                              "an SVG file.")
           ->type_name("FILE");
     }
-    shapeCommands[name] = command;
+    shapeCommands[&shape] = command;
   }
 
   std::vector<std::string> faces;
@@ -152,13 +133,13 @@ int Run(int argc, char **argv) {
       ->type_name("DIR");
 
   if (argc < 2) {
-    throw quadrel_fit::InputError(std::string("no command given; choose one of ") + kCommands +
+    throw quadrel_fit::InputError("no command given; choose one of " + Commands() +
                                   "\nRun 'quadrel-fit --help' for usage.");
   }
   std::string word;
   if (UnknownCommand(argc, argv, word)) {
     throw quadrel_fit::InputError("unknown shape or command '" + word + "'; choose one of " +
-                                  kCommands);
+                                  Commands());
   }
   try {
     app.parse(argc, argv);
@@ -171,12 +152,10 @@ int Run(int argc, char **argv) {
   // Everything goes to a buffer first, so that a failure leaves standard output
   // empty.
   std::ostringstream out;
-  for (const auto &[name, command] : shapeCommands) {
+  for (const auto &[shape, command] : shapeCommands) {
     if (command->parsed()) {
-      Shape shape = Shape::kLine;
-      quadrel_fit::ShapeFromName(name, shape);
       NoteTerminalInput(path);
-      quadrel_fit::RunShapeCommand(shape, path, output, out);
+      quadrel_fit::RunShapeCommand(*shape, path, output, out);
     }
   }
   if (trihedral->parsed()) {

@@ -12,13 +12,17 @@
 #include <quadrel/quadrel.h>
 
 #include "errors.h"
-#include "report.h"
+#include "quadrel/frontend/format.h"
 
 namespace quadrel_fit {
 
 namespace {
 
-constexpr double kPi = 3.14159265358979323846;
+using quadrel_frontend::Cross;
+using quadrel_frontend::FormatNumber;
+using quadrel_frontend::kPi;
+using quadrel_frontend::Unit;
+
 // A saved file holds two comment lines and a header before its first point.
 constexpr int kFirstPointLine = 4;
 
@@ -60,15 +64,6 @@ class TableBuilder {
   std::vector<std::int64_t> lines_;
 };
 
-Vec3 Unit(const Vec3 &v) {
-  const double length = std::sqrt(v[0] * v[0] + v[1] * v[1] + v[2] * v[2]);
-  return {v[0] / length, v[1] / length, v[2] / length};
-}
-
-Vec3 Cross(const Vec3 &a, const Vec3 &b) {
-  return {a[1] * b[2] - a[2] * b[1], a[2] * b[0] - a[0] * b[2], a[0] * b[1] - a[1] * b[0]};
-}
-
 // p + s * u + t * v
 Vec3 Along(const Vec3 &p, double s, const Vec3 &u, double t, const Vec3 &v) {
   return {p[0] + s * u[0] + t * v[0], p[1] + s * u[1] + t * v[1], p[2] + s * u[2] + t * v[2]};
@@ -103,7 +98,7 @@ DemoData MakeDemoData(double noise, unsigned seed) {
 
   {  // A line through (1, 2, 3), 21 evenly spaced points centred on it.
     SampleShape s;
-    s.truth.shape = Shape::kLine;
+    s.truth.shape = "line";
     s.truth.centroid = {1.0, 2.0, 3.0};
     s.truth.direction = {1.0 / 3.0, 2.0 / 3.0, 2.0 / 3.0};
     TableBuilder points(draw);
@@ -118,7 +113,7 @@ DemoData MakeDemoData(double noise, unsigned seed) {
   }
   {  // A plane: a 5 x 5 grid centred on (0.5, -1, 2).
     SampleShape s;
-    s.truth.shape = Shape::kPlane;
+    s.truth.shape = "plane";
     s.truth.centroid = {0.5, -1.0, 2.0};
     s.truth.normal = {2.0 / 3.0, -1.0 / 3.0, 2.0 / 3.0};
     const Vec3 u = Unit(Cross(s.truth.normal, {0.0, 0.0, 1.0}));
@@ -135,7 +130,7 @@ DemoData MakeDemoData(double noise, unsigned seed) {
   }
   {  // A circle in a tilted plane, 24 unevenly spaced points.
     SampleShape s;
-    s.truth.shape = Shape::kCircle;
+    s.truth.shape = "circle";
     s.truth.centre = {1.0, -2.0, 3.0};
     s.truth.normal = Unit({1.0, 1.0, 1.0});
     s.truth.radius = 2.5;
@@ -155,7 +150,7 @@ DemoData MakeDemoData(double noise, unsigned seed) {
   }
   {  // A sphere: 40 points spread evenly by a spiral.
     SampleShape s;
-    s.truth.shape = Shape::kSphere;
+    s.truth.shape = "sphere";
     s.truth.centre = {-1.0, 0.5, 2.0};
     s.truth.radius = 4.0;
     TableBuilder points(draw);
@@ -173,7 +168,7 @@ DemoData MakeDemoData(double noise, unsigned seed) {
   {  // An ellipse with semi-axes 3 and 2 in a tilted, shifted plane, 30 points
      // bunched towards one end of the parameter.
     SampleShape s;
-    s.truth.shape = Shape::kEllipse;
+    s.truth.shape = "ellipse";
     s.truth.centre = {2.0, -1.0, 0.5};
     s.truth.normal = {1.0 / 3.0, -2.0 / 3.0, 2.0 / 3.0};
     s.truth.semiMajor = 3.0;
@@ -198,7 +193,7 @@ DemoData MakeDemoData(double noise, unsigned seed) {
   }
   {  // z = ((x - 0.3) / 1.7)^2 + ((y + 0.2) / 0.9)^2 + 0.8 on a 9 x 9 grid.
     SampleShape s;
-    s.truth.shape = Shape::kParaboloid;
+    s.truth.shape = "paraboloid";
     s.truth.vertex = {0.3, -0.2, 0.8};
     s.truth.a = 1.7;
     s.truth.b = 0.9;
@@ -220,7 +215,7 @@ DemoData MakeDemoData(double noise, unsigned seed) {
     data.shapes.push_back(std::move(s));
   }
   {  // The corner of a cube, turned and moved; 16 points on each face.
-    TrihedralResult &truth = data.trihedralTruth;
+    quadrel_frontend::TrihedralFit &truth = data.trihedralTruth;
     truth.edgeAngle = kPi / 2.0;
     truth.angles = {0.3, -0.2, 0.4};
     const CMatrix rotation = Rotation(truth.angles[0], truth.angles[1], truth.angles[2]);

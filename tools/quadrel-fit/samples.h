@@ -8,8 +8,9 @@
 #include <string>
 #include <vector>
 
-#include "fits.h"
 #include "point_input.h"
+#include "quadrel/frontend/trihedral_fit.h"
+#include "quadrel/frontend/vec3.h"
 
 namespace quadrel_fit {
 
@@ -21,8 +22,30 @@ struct SampleFile {
   PointSet table;
 };
 
+using quadrel_frontend::Vec3;
+
+// The true parameters of a sample shape, by the names of the fit's fields.
+// Which members are set depends on the shape.
+struct ShapeTruth {
+  std::string shape;           // "line", "plane", ...
+  Vec3 centroid{};             // line, plane
+  Vec3 direction{};            // line
+  Vec3 normal{};               // plane, circle, ellipse
+  Vec3 centre{};               // circle, sphere, ellipse
+  double radius = 0;           // circle, sphere
+  std::array<Vec3, 2> foci{};  // ellipse, with the focal sum, semi-axes and
+  double focalSum = 0;         // half the distance of the foci
+  double semiMajor = 0;
+  double semiMinor = 0;
+  double focalHalfDistance = 0;
+  Vec3 vertex{};  // paraboloid
+  double a = 0;
+  double b = 0;
+  double sign = 0;
+};
+
 struct SampleShape {
-  ShapeResult truth;  // the true parameters; residuals stay empty
+  ShapeTruth truth;
   SampleFile sample;
 };
 
@@ -30,7 +53,7 @@ struct DemoData {
   double noise = 0.0;
   unsigned seed = 0;
   std::vector<SampleShape> shapes;  // line, plane, circle, sphere, ellipse, paraboloid
-  TrihedralResult trihedralTruth;   // apex, angles, edge angle
+  quadrel_frontend::TrihedralFit trihedralTruth;  // apex, angles, edge angle
   std::array<SampleFile, 3> faces;
   std::array<double, 2> peakTruth{};
   SampleFile peak;

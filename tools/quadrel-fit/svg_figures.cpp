@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "errors.h"
-#include "report.h"
+#include "quadrel/frontend/format.h"
 #include "svg_canvas.h"
 
 namespace quadrel_fit {
@@ -21,40 +21,32 @@ constexpr int kHeight = 620;
 // More points than this are thinned out evenly: the picture stays light and a
 // reader still sees the shape of the cloud.
 constexpr int kMostDots = 20000;
-constexpr double kPi = 3.14159265358979323846;
-
-double Dot3(const Vec3 &a, const Vec3 &b) {
-  return a[0] * b[0] + a[1] * b[1] + a[2] * b[2];
-}
-
-Vec3 Cross3(const Vec3 &a, const Vec3 &b) {
-  return {a[1] * b[2] - a[2] * b[1], a[2] * b[0] - a[0] * b[2], a[0] * b[1] - a[1] * b[0]};
-}
-
-Vec3 Unit(const Vec3 &v) {
-  const double length = std::sqrt(Dot3(v, v));
-  return {v[0] / length, v[1] / length, v[2] / length};
-}
+using quadrel_frontend::Cross;
+using quadrel_frontend::Dot;
+using quadrel_frontend::FormatNumber;
+using quadrel_frontend::kPi;
+using quadrel_frontend::Unit;
+using quadrel_frontend::Vec3;
 
 // Two unit vectors u, v in the plane of normal, with u along `along` when that
 // has a part in the plane, else along the coordinate axis least like the normal.
 std::pair<Vec3, Vec3> PlaneAxes(const Vec3 &normal, const Vec3 &along) {
   const Vec3 n = Unit(normal);
   Vec3 u = along;
-  double inPlane = Dot3(u, n);
+  double inPlane = Dot(u, n);
   Vec3 projected = {u[0] - inPlane * n[0], u[1] - inPlane * n[1], u[2] - inPlane * n[2]};
-  if (!(Dot3(projected, projected) > 1e-24)) {
+  if (!(Dot(projected, projected) > 1e-24)) {
     int axis = 0;
     for (int i = 1; i < 3; ++i) {
       if (std::fabs(n[i]) < std::fabs(n[axis])) axis = i;
     }
     u = {0.0, 0.0, 0.0};
     u[axis] = 1.0;
-    inPlane = Dot3(u, n);
+    inPlane = Dot(u, n);
     projected = {u[0] - inPlane * n[0], u[1] - inPlane * n[1], u[2] - inPlane * n[2]};
   }
   u = Unit(projected);
-  return {u, Cross3(n, u)};
+  return {u, Cross(n, u)};
 }
 
 int Thinning(int count) {
@@ -74,24 +66,33 @@ double Rms(const std::vector<double> &values) {
 
 }  // namespace
 
-std::string CurveFigure(const ShapeResult &result, const PointSet &table) {
-  const bool ellipse = result.shape == Shape::kEllipse;
-  const Vec3 focalAxis = {result.foci[1][0] - result.foci[0][0],
-                          result.foci[1][1] - result.foci[0][1],
-                          result.foci[1][2] - result.foci[0][2]};
-  const auto [u, v] = PlaneAxes(result.normal, ellipse ? focalAxis : Vec3{1.0, 0.0, 0.0});
-  const double semiMajor = ellipse ? result.semiMajor : result.radius;
-  const double semiMinor = ellipse ? result.semiMinor : result.radius;
-
+std::string CurveFigure(const quadrel_frontend::ShapeFit &result, const PointSet &table) {
+  const bool ellipse = std::string(result.shape->name) == "ellipse";
+  Vec3 focalAxis{};
+  double semiMajor = 0.0;
+  double semiMinor = 0.0;
+  double focalHalfDistance = 0.0;
+  if (ellipse) {
+    const Vec3 focus1 = result.Vector("focus_1");
+    const Vec3 focus2 = result.Vector("focus_2");
+    focalAxis = {focus2[0] - focus1[0], focus2[1] - focus1[1], focus2[2] - focus1[2]};
+    semiMajor = result.Scalar("semi_major");
+    semiMinor = result.Scalar("semi_minor");
+    focalHalfDistance = result.Scalar("centre_to_focus");
+  } else {
+    semiMajor = semiMinor = result.Scalar("radius");
+  }
+  const Vec3 centre = result.Vector("centre");
+  const auto [u, v] = PlaneAxes(result.Vector("normal"), ellipse ? focalAxis : Vec3{1.0, 0.0, 0.0});
   const int n = table.count();
   const int step = Thinning(n);
   std::vector<std::pair<double, double>> dots;
   double xMin = -semiMajor, xMax = semiMajor, yMin = -semiMinor, yMax = semiMinor;
   for (int k = 0; k < n; k += step) {
-    const Vec3 d = {table.at(0, k) - result.centre[0], table.at(1, k) - result.centre[1],
-                    table.at(2, k) - result.centre[2]};
-    const double x = Dot3(d, u);
-    const double y = Dot3(d, v);
+    const Vec3 d = {table.at(0, k) - centre[0], table.at(1, k) - centre[1],
+                    table.at(2, k) - centre[2]};
+    const double x = Dot(d, u);
+    const double y = Dot(d, v);
     dots.emplace_back(x, y);
     xMin = std::min(xMin, x);
     xMax = std::max(xMax, x);
@@ -115,17 +116,15 @@ std::string CurveFigure(const ShapeResult &result, const PointSet &table) {
   std::string title;
   std::string subtitle;
   if (ellipse) {
-    canvas.Dot(-result.focalHalfDistance, 0.0, 4.0, R"(fill="none" stroke="#c0392b")");
-    canvas.Dot(result.focalHalfDistance, 0.0, 4.0, R"(fill="none" stroke="#c0392b")");
+    canvas.Dot(-focalHalfDistance, 0.0, 4.0, R"(fill="none" stroke="#c0392b")");
+    canvas.Dot(focalHalfDistance, 0.0, 4.0, R"(fill="none" stroke="#c0392b")");
     title = "ellipse fit of " + table.name();
-    subtitle = "semi-axes " + FormatNumber(result.semiMajor) + " and " +
-               FormatNumber(result.semiMinor) + ", foci ringed, rms residual " +
-               FormatNumber(Rms(result.residuals));
+    subtitle = "semi-axes " + FormatNumber(semiMajor) + " and " + FormatNumber(semiMinor) +
+               ", foci ringed, rms residual " + FormatNumber(Rms(result.residuals));
   } else {
     title = "circle fit of " + table.name();
-    subtitle = "radius " + FormatNumber(result.radius) + ", centre (" +
-               FormatNumber(result.centre[0]) + ", " + FormatNumber(result.centre[1]) + ", " +
-               FormatNumber(result.centre[2]) + "), rms residual " +
+    subtitle = "radius " + FormatNumber(semiMajor) + ", centre (" + FormatNumber(centre[0]) + ", " +
+               FormatNumber(centre[1]) + ", " + FormatNumber(centre[2]) + "), rms residual " +
                FormatNumber(Rms(result.residuals));
   }
   if (step > 1) subtitle += "; " + Every(step, n);
@@ -136,7 +135,7 @@ std::string CurveFigure(const ShapeResult &result, const PointSet &table) {
   return canvas.Document();
 }
 
-std::string PlaneResidualFigure(const ShapeResult &result, const PointSet &table) {
+std::string PlaneResidualFigure(const quadrel_frontend::ShapeFit &result, const PointSet &table) {
   const std::vector<double> &r = result.residuals;
   const int n = static_cast<int>(r.size());
   // With many points each bar spans the lowest to the highest residual of a run
@@ -183,7 +182,7 @@ std::string PlaneResidualFigure(const ShapeResult &result, const PointSet &table
   return canvas.Document();
 }
 
-std::string PeakFigure(const PeakResult &result, const PointSet &samples) {
+std::string PeakFigure(const quadrel_frontend::PeakFit &result, const PointSet &samples) {
   const int n = samples.count();
   double xMin = result.peak[0], xMax = result.peak[0];
   double yMin = result.peak[1], yMax = result.peak[1];
@@ -238,8 +237,8 @@ std::string PeakFigure(const PeakResult &result, const PointSet &samples) {
                R"(font-size="11" text-anchor="end")");
   canvas.Label(legendLeft + 156, legendTop + 10, FormatNumber(qMax), R"(font-size="11")");
 
-  std::string subtitle =
-      PeakMethod(result.code) + " (code " + std::to_string(result.code) + "); best sample ringed";
+  std::string subtitle = quadrel_frontend::PeakMethod(result.code) + " (code " +
+                         std::to_string(result.code) + "); best sample ringed";
   if (step > 1) subtitle += "; " + Every(step, n);
   canvas.DrawAxes("quality peak of " + samples.name(), "x", "y", subtitle);
   return canvas.Document();

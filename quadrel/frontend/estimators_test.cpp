@@ -1,0 +1,76 @@
+// The trihedral and peak front ends in process: results on exact samples, and
+// every refusal with its message instead of an exception.
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "quadrel/frontend/peak_fit.h"
+#include "quadrel/frontend/trihedral_fit.h"
+#include "quadrel/io/read_points.h"
+#include "quadrel/io/text_reader.h"
+
+namespace {
+
+namespace fe = quadrel_frontend;
+using quadrel_io::PointSet;
+
+PointSet Sample(const std::string &name) {
+  return quadrel_io::ReadPoints(std::string(QUADREL_SAMPLES) + "/" + name,
+                                quadrel_io::kSampleColumns);
+}
+
+TEST(Trihedral, FitsTheCubeCornerAndRefusesFacesThatDoNotMeetOrComeInTheWrongOrder) {
+  const PointSet f1 = Sample("trihedral-1.txt"), f2 = Sample("trihedral-2.txt"),
+                 f3 = Sample("trihedral-3.txt");
+  const fe::TrihedralFit fit = fe::FitTrihedral({&f1, &f2, &f3}, fe::EdgeAngleRadians(90));
+  ASSERT_TRUE(fit.outcome.ok()) << fit.outcome.reason;
+  EXPECT_EQ(fit.code, 0);
+  EXPECT_EQ(fe::TrihedralStatus(fit.code), "converged");
+  EXPECT_NEAR(fit.angles[0], 0.3, 1e-9);
+  EXPECT_NEAR(fit.angles[2], 0.4, 1e-9);
+
+  const std::string names = f1.name() + ", " + f3.name() + ", " + f2.name();
+  const fe::TrihedralFit swapped = fe::FitTrihedral({&f1, &f3, &f2}, fe::EdgeAngleRadians(90));
+  EXPECT_EQ(swapped.outcome.status, fe::Status::kDegenerate);
+  EXPECT_EQ(swapped.outcome.reason.rfind("the faces " + names + " come in the wrong order", 0), 0u)
+      << swapped.outcome.reason;
+  const fe::TrihedralFit parallel = fe::FitTrihedral({&f1, &f1, &f3}, fe::EdgeAngleRadians(90));
+  EXPECT_NE(parallel.outcome.reason.find("do not meet in one point"), std::string::npos);
+
+  const PointSet two = quadrel_io::ParsePointText("0 0 0\n1 0 0\n", "two");
+  EXPECT_EQ(fe::FitTrihedral({&f1, &two, &f3}, 1.0).outcome.reason,
+            "a trihedral fit needs at least 3 points per face; two has 2");
+  EXPECT_TRUE(fe::CheckEdgeAngle(90).ok());
+  for (double bad : {0.0, 120.0, -5.0, 1e300 * 1e300})
+    EXPECT_FALSE(fe::CheckEdgeAngle(bad).ok()) << bad;
+  EXPECT_EQ(fe::CheckEdgeAngle(130).reason,
+            "the edge angle must lie strictly between 0 and 120 degrees; got 130");
+}
+
+TEST(Peak, FindsThePeakOfTheSampleAndRefusesSamplesWithoutOne) {
+  const fe::PeakFit fit = fe::FindPeak(Sample("peak.txt"));
+  ASSERT_TRUE(fit.outcome.ok()) << fit.outcome.reason;
+  EXPECT_EQ(fe::PeakMethod(fit.code), "maximum of the fitted surface");
+  EXPECT_NEAR(fit.peak[0], 0.4, 1e-9);
+  EXPECT_NEAR(fit.peak[1], -0.7, 1e-9);
+
+  const struct {
+    const char *text;
+    fe::Status status;
+    const char *reason;
+  } cases[] = {
+      {"0 0 1\n1 0 2\n0 1 3\n1 1 4\n2 2 5\n", fe::Status::kTooFewPoints,
+       "a quality peak search needs at least 6 samples; s has 5"},
+      {"1 1 1\n1 1 2\n1 1 3\n1 1 4\n1 1 5\n1 1 6\n", fe::Status::kDegenerate,
+       "all 6 points of s are the same point; a quality peak search needs points that differ"},
+      {"0 0 5\n1 0 5\n2 0 5\n0 1 5\n1 1 5\n2 1 5\n", fe::Status::kDegenerate,
+       "all 6 quality values of s are the same; there is no peak to find"},
+  };
+  for (const auto &c : cases) {
+    const fe::PeakFit refused = fe::FindPeak(quadrel_io::ParsePointText(c.text, "s"));
+    EXPECT_EQ(refused.outcome.status, c.status);
+    EXPECT_EQ(refused.outcome.reason, c.reason);
+  }
+}
+
+}  // namespace

@@ -1,0 +1,17 @@
+#include "quadrel/frontend/outcome.h"
+
+namespace quadrel_frontend {
+
+const char *StatusName(Status status) {
+  switch (status) {
+    case Status::kOk:
+      return "ok";
+    case Status::kTooFewPoints:
+      return "too few points";
+    case Status::kDegenerate:
+      return "degenerate";
+  }
+  return "unknown";
+}
+
+}  // namespace quadrel_frontend
