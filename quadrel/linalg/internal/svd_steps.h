@@ -12,16 +12,6 @@
 #include "quadrel/matrix/internal/access.h"
 #include "quadrel/matrix/internal/double_pair.h"
 
-// The bound B on the norm of the bidiagonal form makes the convergence tests:
-// t counts as zero when adding it to B changes nothing. A NaN on either side
-// counts as negligible too (neither < nor > holds), so the split search always
-// ends at l = 1 at the latest, where e[1] is kept at 0, even when B itself has
-// become NaN.
-inline bool Negligible(double t, double B) {
-  const double sum = std::fabs(t) + B;
-  return !(sum < B) && !(sum > B);
-}
-
 // A plane rotation of the left-hand factor, recorded to be applied later to the
 // columns first and second, counted from 0.
 struct PlaneRotation {
@@ -81,15 +71,15 @@ void AccumulateRight(int n, const double *e, AAt A, VAt V) {
 // to V at once. The rotations that belong to the left-hand factor go to
 // rotate(first, second, cs, sn) in the order they arise, each to act on
 // columns first and second (counted from 1) as (first * cs + second * sn,
-// second * cs - first * sn). A value gets at most 30 sweeps; after the 30th the
-// loop simply moves on to the next value. Values come out non-negative, by
-// flipping the matching column of V.
+// second * cs - first * sn). A value gets at most kSvdMaxSweeps sweeps; after
+// the last the loop simply moves on to the next value. Values come out
+// non-negative, by flipping the matching column of V.
 template <class WAt, class VAt, class Rotate>
 void Diagonalise(int n, double B, double *e, WAt W, VAt V, Rotate rotate) {
   double g = 0.0, f = 0.0, h = 0.0, cs = 0.0, sn = 0.0, x = 0.0, y = 0.0, z = 0.0;
   int l = 0;
   for (int k = n; k >= 1; --k) {
-    for (int iteration = 1; iteration <= 30; ++iteration) {
+    for (int iteration = 1; iteration <= kSvdMaxSweeps; ++iteration) {
       // Split search: find the top l of the unreduced block that ends at k.
       bool cancel = true;
       for (l = k; l >= 1; --l) {
@@ -199,10 +189,14 @@ double SingularRatio(int n, WAt W) {
   return lo / hi;
 }
 
+// The rank threshold of the pseudo-inverse is rows * largest * kRankEpsilon,
+// with kRankEpsilon = 2^-52, the spacing of doubles at 1.
+constexpr double kRankEpsilon = 2.220446049250313e-16;
+
 // The middle of the pseudo-inverse, for singular values sv[0..n - 1] (unsorted)
 // of a matrix of rows rows (counting zero rows it was padded with) and its V:
 // the largest value is searched for (the first of equal values wins), values
-// strictly below rows * largest * 2^-52 are dropped to 0 and every other
+// strictly below rows * largest * kRankEpsilon are dropped to 0 and every other
 // non-zero value is inverted, in place; then VT(i, c) = V * T with T the
 // diagonal matrix of those inverses, each element a sum from 0.0 in rising k
 // of V(i, k) * T(k, c) + acc, the zero terms of T taking part as in the
@@ -212,7 +206,7 @@ void InvertedValuesTimesV(int n, int rows, double *sv, VAt V, VTAt VT) {
   int best = 0;
   for (int i = 1; i < n; ++i)
     if (sv[i] > sv[best]) best = i;
-  const double tol = static_cast<double>(rows) * sv[best] * 2.220446049250313e-16;
+  const double tol = static_cast<double>(rows) * sv[best] * kRankEpsilon;
   for (int i = 0; i < n; ++i) {
     if (sv[i] < tol) sv[i] = 0.0;
     if (sv[i] != 0.0) sv[i] = 1.0 / sv[i];

@@ -6,8 +6,8 @@
 #include "quadrel/linalg/internal/svd_core.h"
 #include "quadrel/linalg/internal/svd_steps.h"
 #include "quadrel/matrix/internal/access.h"
-#include "quadrel/matrix/internal/prefetch.h"
 #include "quadrel/matrix/internal/double_pair.h"
+#include "quadrel/matrix/internal/prefetch.h"
 
 // The loops over the few columns of a row are unrolled, so that their sums and
 // values stay in registers; -O2 alone leaves many of them rolled.
@@ -41,25 +41,76 @@ Value Splat(double x) {
     return SplatPair(x);
 }
 
+// The solver for N unknowns. Run goes through five phases, in this order:
+//  1. Bidiagonalise<1..N>: the Householder passes, column I then row I. The
+//     last one (FinishLastColumn) also does pass N of the left-hand
+//     accumulation.
+//  2. AccumulateRight: V from the row transforms kept in rows 1..N - 1.
+//  3. Accumulate<N - 1..2>: the left-hand accumulation, in place in the
+//     columns, down to pass 2; pass 1 waits for phase 5.
+//  4. Diagonalise: the QR sweeps on w and e, rotating v at once and recording
+//     the rotations of U; then the condition number from w.
+//  5. Solve: the rank threshold and V * T, then per block of rows pass 1 of the
+//     left-hand accumulation, the recorded rotations, and the block's terms of
+//     x = P * b.
+// The members are the state that passes between phases and between the
+// passes of one phase; everything else is local to a pass.
 template <int N>
 struct Engine {
-  // At most 30 sweeps per value, each with at most 2k - 1 rotations for value k.
-  static constexpr int kMaxRotations = 30 * N * N;
+  // At most kSvdMaxSweeps sweeps per value, each with at most 2k - 1 rotations
+  // for value k.
+  static constexpr int kMaxRotations = kSvdMaxSweeps * N * N;
 
-  double *const *col;  // col[j][k]: element (k + 1, j + 1) in the algorithm's terms
+  // The system: col[j][k] is element (k + 1, j + 1) in the algorithm's terms,
+  // m the number of rows. The columns hold A on entry; after phase 1 the
+  // Householder vectors (of column I from the diagonal down, of row I from the
+  // superdiagonal right), column N already through pass N of the left-hand
+  // accumulation; after phase 3 columns 2..N through passes N..2, column 1
+  // still its Householder vector. Phase 5 clears row 1 right of the diagonal
+  // and otherwise only reads them: pass 1 and the rotations go to a copy of
+  // each block of rows.
+  double *const *col;
   int m;
-  double w[N + 1];  // W(i) = w[i]; w[0] is never read
+  // W(i) = w[i], w[0] is never read: the diagonal of the bidiagonal form after
+  // phase 1, the singular values after phase 4.
+  double w[N + 1];
+  // e[i]: the superdiagonal next to W(i), e[0] unused and e[1] kept at 0. In
+  // pass I of phase 1, e[I + 1..N] hold the scratch row (row I) / h of the row
+  // transform until later passes overwrite them; phase 2 reads the final
+  // e[i + 1] as the g of its pass i.
   double e[N + 1];
-  double v[N + 1][N + 1];  // V(r, c) = v[r][c]
-  // The column sums that one accumulation pass takes for the next, indexed
-  // like e.
+  // V(r, c) = v[r][c], row and column 0 unused: written in phase 2, rotated in
+  // phase 4, read in phase 5.
+  double v[N + 1][N + 1];
+  // The column sums that one left-hand accumulation pass takes for the next,
+  // indexed like e: sums[j] = sum over rows k = i + 1..m of A(k, i) * A(k, j)
+  // for pass i, j = i + 1..N. FinishLastColumn and Accumulate<I> write them
+  // for pass N - 1 and I - 1; pass 1 reads them in Solve.
   double sums[N + 1];
+  // The bound on the norm of the bidiagonal form, max over the passes of
+  // |W(i)| + |e[i]|: built in phase 1, the scale of every convergence test of
+  // phase 4 (Negligible).
   double B;
+  // The scalars of the Householder passes of phase 1, in the algorithm's
+  // names. In each transform, of a column or of a row: scale is the 1-norm of
+  // the part being reflected, s the sum of squares of that part once divided
+  // by scale, f its leading element, g = -sqrt(s) with the sign of f (the new
+  // diagonal or superdiagonal element, before scaling back) and h = f * g - s,
+  // the divisor of the reflection. The row transform of pass I leaves scale
+  // and g for e[I + 1] = scale * g at the start of pass I + 1; nothing after
+  // phase 1 reads them.
   double g, s, f, h, scale;
+  // The 1-norm of column I + 1 over rows I + 1..m, summed in the walk of pass I
+  // that leaves those elements final, so that pass I + 1 does not read the
+  // column for it again. haveNextScale says that nextScale holds it.
   bool haveNextScale;
   double nextScale;
+  // The rotations of U from phase 4, in the order they arose, for phase 5.
   PlaneRotation rotations[kMaxRotations];
   int rotationCount;
+  // W(1) as phase 1 left it: pass 1 of the left-hand accumulation needs it,
+  // and it runs in phase 5, after the sweeps have changed w[1].
+  double w1;
 
   double &A(int r, int c) { return col[c - 1][r - 1]; }
 
@@ -476,8 +527,6 @@ struct Engine {
     for (int i = 0; i < N; ++i)
       x[i] = acc[i];
   }
-
-  double w1;  // W(1) before the diagonalisation, for pass 1 of the accumulation
 
   double Run(const double *b, double *x) {
     B = 0.0;
