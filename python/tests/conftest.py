@@ -1,0 +1,28 @@
+"""Shared data of the package's tests."""
+
+import numpy as np
+import pytest
+
+
+def on_sphere(n, centre=(1.0, -2.0, 0.5), radius=3.0, noise=1e-3, seed=7):
+    """n points near a sphere, (n, 3), from a fixed seed."""
+    rng = np.random.default_rng(seed)
+    d = rng.normal(size=(n, 3))
+    d /= np.linalg.norm(d, axis=1)[:, None]
+    return np.asarray(centre) + radius * d + rng.normal(scale=noise, size=(n, 3))
+
+
+@pytest.fixture
+def sphere_points():
+    return on_sphere(200)
+
+
+def bits(value):
+    """The exact bits of a result (a number, an array or a tuple of them), for
+    comparisons that must not forgive rounding; NaN payloads count too."""
+    if isinstance(value, (tuple, list)):
+        return tuple(bits(v) for v in value)
+    if value is None:
+        return None
+    array = np.ascontiguousarray(value, dtype=np.float64)
+    return array.shape, array.tobytes()

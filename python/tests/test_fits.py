@@ -1,0 +1,87 @@
+"""The shape fits from Python: what they find, the layouts they take, and the
+result objects they give."""
+
+import json
+import math
+
+import numpy as np
+import pytest
+
+import quadrel
+from conftest import bits, on_sphere
+
+FITS = {
+    "fit_line": 2, "fit_plane": 2, "fit_circle": 3, "fit_sphere": 4, "fit_ellipse": 5,
+    "fit_paraboloid": 5,
+}  # fmt: skip
+
+
+def test_sphere_fit_recovers_the_sphere(sphere_points):
+    s = quadrel.fit_sphere(sphere_points)
+    assert s.centre.shape == (3,) and s.residuals.shape == (200,)
+    np.testing.assert_allclose(s.centre, [1.0, -2.0, 0.5], atol=1e-3)
+    assert abs(s.radius - 3.0) < 1e-3
+    assert np.max(np.abs(s.residuals)) < 5e-3
+    # Residuals are distance from the centre minus the radius.
+    expected = np.linalg.norm(sphere_points - s.centre, axis=1) - s.radius
+    np.testing.assert_allclose(s.residuals, expected, atol=1e-12)
+
+
+def test_plane_and_line_fits_find_their_shapes():
+    t = np.linspace(-1.0, 1.0, 50)
+    line = np.c_[1.0 + 2.0 * t, 2.0 - t, 3.0 + 0.5 * t]
+    fit = quadrel.fit_line(line)
+    direction = np.array([2.0, -1.0, 0.5]) / math.sqrt(5.25)
+    assert abs(abs(fit.direction @ direction) - 1.0) < 1e-12
+    assert np.max(fit.residuals) < 1e-7  # through the angle: about 2e-8 of the distance
+    plane = np.c_[t, t[::-1] ** 2, 0.5 * t - 0.25 * t[::-1] ** 2 + 1.0]
+    p = quadrel.fit_plane(plane)
+    np.testing.assert_allclose(abs(p.normal @ np.array([0.5, -0.25, -1.0])), math.sqrt(1.3125), rtol=1e-12)
+    np.testing.assert_allclose(p.residuals, (plane - p.centroid) @ p.normal, atol=1e-12)
+
+
+@pytest.mark.parametrize("name", sorted(FITS))
+def test_every_layout_and_dtype_gives_the_same_bits(name):
+    fit = getattr(quadrel, name)
+    base = np.round(on_sphere(40, noise=0.05) * 8.0)  # whole numbers: exact in every dtype
+    reference = fit(base)
+    big = np.zeros((80, 7))
+    big[::2, 1:6:2] = base
+    layouts = [
+        base.tolist(), np.asfortranarray(base), big[::2, 1:6:2], base.astype(np.float32),
+        base.astype(np.int32), base.astype(np.int16), base.astype(">f8"),
+        np.ascontiguousarray(base.T).T, base[:5].copy() if FITS[name] <= 5 else base,
+    ]  # fmt: skip
+    for layout in layouts[:-1]:
+        got = fit(layout)
+        assert bits(tuple(got.to_dict().values())) == bits(tuple(reference.to_dict().values()))
+    # A small set (9 elements or fewer go another way into the library).
+    few = np.asarray(layouts[-1])
+    assert bits(fit(few).residuals) == bits(fit(np.asfortranarray(few)).residuals)
+
+
+def test_results_are_immutable_readable_and_json_ready(sphere_points):
+    s = quadrel.fit_sphere(sphere_points)
+    with pytest.raises(AttributeError):
+        s.radius = 1.0  # type: ignore[misc]
+    with pytest.raises(ValueError):
+        s.residuals[0] = 0.0
+    text = repr(s)
+    assert text.startswith("Sphere(centre=[") and "residuals=<array of shape (200,)>" in text
+    back = json.loads(json.dumps(s.to_dict()))
+    assert back["radius"] == s.radius and back["centre"] == s.centre.tolist()
+    e = quadrel.fit_ellipse(sphere_points[:30] * [1.0, 1.0, 0.0])
+    assert e.foci.shape == (2, 3) and e.to_dict()["foci"][1] == e.foci[1].tolist()
+    np.testing.assert_array_equal(e.centre, (e.foci[0] + e.foci[1]) / 2.0)
+
+
+def test_non_finite_points_give_what_the_library_documents(sphere_points):
+    bad = sphere_points.copy()
+    bad[3, 1] = np.nan
+    s = quadrel.fit_sphere(bad)
+    assert math.isnan(s.radius) and np.isnan(s.centre).all() and np.isnan(s.residuals).all()
+    line = quadrel.fit_line(bad)
+    np.testing.assert_array_equal(line.direction, [1.0, 0.0, 0.0])
+    assert np.isnan(line.centroid[1]) and not line.residuals.any()
+    p = quadrel.fit_paraboloid(bad)
+    assert p.sign == 1.0 and math.isnan(p.a)
