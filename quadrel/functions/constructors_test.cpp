@@ -41,10 +41,12 @@ TEST(Seq, CountsByTruncatedQuotient) {
 }
 
 TEST(SeqLinspace, DegenerateRangesAndCountsGiveAnEmptyColumn) {
-  const double cases[][3] = {{0, 1, 0}, {0, 2, -1}, {NAN, 1, 1}, {0, INFINITY, 1}};
+  const double cases[][3] = {{0, 1, 0}, {0, 2, -1}, {NAN, 1, 1}, {0, 1, NAN}, {0, INFINITY, 1}};
   for (const auto &c : cases)
     EXPECT_TRUE(SameBits(Seq(c[0], c[1], c[2]), CMatrix(0, 1)))
         << c[0] << " " << c[1] << " " << c[2];
+  // An infinite step over a finite range: one element, start + 0 * step = NaN.
+  EXPECT_TRUE(SameValues(Seq(2.0, 5.0, INFINITY), MakeCol({NAN})));
   EXPECT_TRUE(SameBits(Linspace(2.0, 7.0, 0), CMatrix(0, 1)));
   EXPECT_TRUE(SameBits(Linspace(2.0, 7.0, -3), CMatrix(0, 1)));
   EXPECT_TRUE(SameBits(Linspace(2.0, 7.0, 1), MakeCol({7.0})));

@@ -21,6 +21,10 @@ TEST(Operators, StarIsTheProductAndCaretElementWise) {
   EXPECT_EQ((MakeRow({1e16, 1, -1e16}) * ones)(0), 0.0);
   EXPECT_EQ((MakeRow({1e16, -1e16, 1}) * ones)(0), 1.0);
   EXPECT_FALSE(std::signbit((MakeRow({-0.0}) * MakeCol({1.0}))(0)));
+  // No term is skipped for a zero factor (inf * 0 is NaN), and a NaN or an
+  // infinity in row i of A or column j of B reaches element (i, j) only.
+  EXPECT_TRUE(SameValues(MakeMatrix(2, 2, {1, NAN, 2, 3}) * MakeMatrix(2, 2, {1, 0, INFINITY, 1}),
+                         MakeMatrix(2, 2, {NAN, NAN, INFINITY, 3})));
 }
 
 TEST(Operators, OneByOneIsNoScalar) {
