@@ -5,7 +5,6 @@
 // (quadrel/testing/svd_reference.h), run on the same inputs, bit for bit.
 #include <cmath>
 #include <cstdint>
-#include <cstring>
 #include <string>
 #include <vector>
 
@@ -96,20 +95,9 @@ std::vector<Input> Inputs() {
 
 // Bit for bit, except that any NaN equals any other where anyNaN is set: for
 // input with NaN or infinities, where the sign of a NaN depends on which
-// operand of an operation the compiler put first. Names the first difference.
+// operand of an operation the compiler put first.
 ::testing::AssertionResult Same(const CMatrix &got, const CMatrix &want, bool anyNaN) {
-  if (got.GetRows() != want.GetRows() || got.GetCols() != want.GetCols())
-    return ::testing::AssertionFailure() << "shape " << Shape(got.GetRows(), got.GetCols())
-                                         << ", wanted " << Shape(want.GetRows(), want.GetCols());
-  for (int i = 0; i < got.GetRows(); ++i)
-    for (int j = 0; j < got.GetCols(); ++j) {
-      const double x = got(i, j), y = want(i, j);
-      if (anyNaN && std::isnan(x) && std::isnan(y)) continue;
-      if (std::memcmp(&x, &y, sizeof x) != 0)
-        return ::testing::AssertionFailure()
-               << "element (" << i << ", " << j << ") is " << x << ", wanted " << y;
-    }
-  return ::testing::AssertionSuccess();
+  return anyNaN ? SameValues(got, want) : SameBits(got, want);
 }
 
 ::testing::AssertionResult Same(double got, double want, bool anyNaN) {

@@ -32,45 +32,57 @@ std::string Describe(const CMatrix &m) {
   return out.str();
 }
 
-::testing::AssertionResult SameBits(const CMatrix &a, const CMatrix &b) {
+namespace {
+
+// Both matrices in full when they are small enough to read.
+std::string Both(const CMatrix &a, const CMatrix &b) {
+  if (static_cast<long long>(a.GetRows()) * a.GetCols() + b.GetRows() * b.GetCols() > 200)
+    return "";
+  return ": " + Describe(a) + " vs " + Describe(b);
+}
+
+// The first element (in row order) where equal(a(i, j), b(i, j)) fails, or
+// the differing shapes.
+template <typename Equal>
+::testing::AssertionResult Compare(const CMatrix &a, const CMatrix &b, Equal equal,
+                                   const char *what) {
   if (a.GetRows() != b.GetRows() || a.GetCols() != b.GetCols())
     return ::testing::AssertionFailure()
-           << "shapes differ: " << Describe(a) << " vs " << Describe(b);
+           << "shapes differ: " << a.GetRows() << " x " << a.GetCols() << " vs " << b.GetRows()
+           << " x " << b.GetCols() << Both(a, b);
   for (int i = 0; i < a.GetRows(); ++i)
     for (int j = 0; j < a.GetCols(); ++j)
-      if (std::memcmp(&a(i, j), &b(i, j), sizeof(double)) != 0)
-        return ::testing::AssertionFailure()
-               << "element (" << i << ", " << j << ") differs: " << Describe(a) << " vs "
-               << Describe(b);
+      if (!equal(a(i, j), b(i, j))) {
+        std::ostringstream out;
+        out.precision(17);
+        out << "element (" << i << ", " << j << ") " << what << ": " << a(i, j) << " vs " << b(i, j)
+            << Both(a, b);
+        return ::testing::AssertionFailure() << out.str();
+      }
   return ::testing::AssertionSuccess();
+}
+
+bool SameBitsOf(double x, double y) {
+  return std::memcmp(&x, &y, sizeof x) == 0;
+}
+
+}  // namespace
+
+::testing::AssertionResult SameBits(const CMatrix &a, const CMatrix &b) {
+  return Compare(a, b, SameBitsOf, "differs");
 }
 
 ::testing::AssertionResult SameValues(const CMatrix &a, const CMatrix &b) {
-  if (a.GetRows() != b.GetRows() || a.GetCols() != b.GetCols())
-    return ::testing::AssertionFailure()
-           << "shapes differ: " << Describe(a) << " vs " << Describe(b);
-  for (int i = 0; i < a.GetRows(); ++i)
-    for (int j = 0; j < a.GetCols(); ++j) {
-      if (std::isnan(a(i, j)) && std::isnan(b(i, j))) continue;
-      if (std::memcmp(&a(i, j), &b(i, j), sizeof(double)) != 0)
-        return ::testing::AssertionFailure()
-               << "element (" << i << ", " << j << ") differs: " << Describe(a) << " vs "
-               << Describe(b);
-    }
-  return ::testing::AssertionSuccess();
+  return Compare(
+      a, b, [](double x, double y) { return (std::isnan(x) && std::isnan(y)) || SameBitsOf(x, y); },
+      "differs");
 }
 
 ::testing::AssertionResult Near(const CMatrix &a, const CMatrix &b, double tol) {
-  if (a.GetRows() != b.GetRows() || a.GetCols() != b.GetCols())
-    return ::testing::AssertionFailure()
-           << "shapes differ: " << Describe(a) << " vs " << Describe(b);
-  for (int i = 0; i < a.GetRows(); ++i)
-    for (int j = 0; j < a.GetCols(); ++j)
-      if (!(std::fabs(a(i, j) - b(i, j)) <= tol))
-        return ::testing::AssertionFailure()
-               << "element (" << i << ", " << j << ") differs by more than " << tol << ": "
-               << Describe(a) << " vs " << Describe(b);
-  return ::testing::AssertionSuccess();
+  std::ostringstream what;
+  what << "differs by more than " << tol;
+  return Compare(
+      a, b, [tol](double x, double y) { return std::fabs(x - y) <= tol; }, what.str().c_str());
 }
 
 CMatrix LiteralProduct(const CMatrix &A, const CMatrix &B) {
@@ -78,7 +90,8 @@ CMatrix LiteralProduct(const CMatrix &A, const CMatrix &B) {
   for (int i = 0; i < A.GetRows(); ++i)
     for (int j = 0; j < B.GetCols(); ++j) {
       double acc = 0.0;
-      for (int k = 0; k < A.GetCols(); ++k) acc = A(i, k) * B(k, j) + acc;
+      for (int k = 0; k < A.GetCols(); ++k)
+        acc = A(i, k) * B(k, j) + acc;
       R(i, j) = acc;
     }
   return R;

@@ -21,7 +21,8 @@ CMatrix MakeRow(std::initializer_list<double> values);
 std::string Describe(const CMatrix &m);
 
 // Success if a and b have one shape and every element is equal bit for bit
-// (NaN equals NaN of the same bits; -0.0 differs from 0.0).
+// (NaN equals NaN of the same bits; -0.0 differs from 0.0). A failure names the
+// first differing element, and shows both matrices when they are small.
 ::testing::AssertionResult SameBits(const CMatrix &a, const CMatrix &b);
 // As SameBits, except that any NaN equals any other NaN: for results whose
 // NaN comes from the arithmetic, whose sign bit depends on the operation.
