@@ -102,4 +102,22 @@ TEST(PlanePlaneInt, ParallelPlanesGiveNoLine) {
   }
 }
 
+TEST(Distances, NaNDirectionsAndNormalsCountAsZeroOnes) {
+  // Angle gives pi for them, as for a zero vector: the line distance folds that
+  // to 0, the parallel tests fail and give 0.0, and the intersections write NaN.
+  const CMatrix up = MakeCol({0, 0, 1}), bad = MakeCol({NAN, 0, 0}), nan3(NAN, 3, 1);
+  for (double distance : {LinePointDist(kOrigin, bad, up), PlaneLineDist(kOrigin, bad, up, up),
+                          PlanePlaneDist(kOrigin, bad, up, up)})
+    EXPECT_EQ(distance, 0.0);
+  EXPECT_TRUE(std::isnan(PlanePointDist(kOrigin, bad, up)));
+  CMatrix crossing, linePoint, direction;
+  EXPECT_EQ(PlaneLineInt(kOrigin, bad, up, MakeCol({0, 1, 0}), crossing), 0.0);
+  EXPECT_EQ(PlanePlaneInt(kOrigin, bad, kOrigin, up, linePoint, direction), 0.0);
+  EXPECT_TRUE(SameValues(crossing, nan3) && SameValues(linePoint, nan3) &&
+              SameValues(direction, nan3));
+  // A NaN point on otherwise good planes spoils the line's point only.
+  PlanePlaneInt(bad, MakeCol({1, 0, 0}), kOrigin, up, linePoint, direction);
+  EXPECT_TRUE(SameValues(direction, MakeCol({0, -1, 0})) && std::isnan(linePoint(0)));
+}
+
 }  // namespace
