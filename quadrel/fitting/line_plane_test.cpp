@@ -9,6 +9,7 @@
 #include "quadrel/fitting/paraboloid.h"
 #include "quadrel/geometry/vectors.h"
 #include "quadrel/linalg/svd.h"
+#include "quadrel/matrix/operators.h"
 #include "quadrel/testing/alloc_counter.h"
 #include "quadrel/testing/test_util.h"
 
@@ -38,6 +39,43 @@ TEST(LineFit, CoincidentPointsGiveFixedDirectionAndZeroResiduals) {
   EXPECT_TRUE(SameBits(centroid, CMatrix(-2.5, 3, 1)));
   EXPECT_TRUE(SameBits(direction, MakeCol({1, 0, 0})));
   EXPECT_TRUE(SameBits(residuals, CMatrix(0.0, 4, 1)));
+}
+
+TEST(Fits, NonFiniteOrOverflowingPointsGiveEveryOutputItsShape) {
+  // Eight points near an ellipse in a tilted plane, then one coordinate NaN or
+  // infinite, or all scaled until the scatter overflows. No quadratic form
+  // passes the strict tests: LineFit falls back as for coincident points,
+  // PlaneFit to column 0 of V, and the fits that start from it inherit that.
+  CMatrix good(3, 8);
+  for (int k = 0; k < 8; ++k) {
+    const double x = 2.0 * std::cos(0.7 * k) + 1.0;
+    good.SetCol(
+        MakeCol({x, 1.5 * std::sin(0.7 * k) - 2.0, 0.2 * x + 3.0 + 0.01 * std::cos(2.1 * k)}), k);
+  }
+  CMatrix withNaN = good, withInf = good;
+  withNaN(1, 3) = NAN;
+  withInf(1, 3) = INFINITY;
+  for (const CMatrix &points : {withNaN, withInf, 1e160 * good}) {
+    CMatrix m1, m2, m3;
+    double d1 = 0.0, d2 = 0.0, d3 = 0.0;
+    auto shapes = [&](int r1, int c1, int r2, int c2, int r3, int c3) {
+      return m1.GetRows() == r1 && m1.GetCols() == c1 && m2.GetRows() == r2 && m2.GetCols() == c2 &&
+             m3.GetRows() == r3 && m3.GetCols() == c3;
+    };
+    LineFit(points, m1, m2, m3);
+    EXPECT_TRUE(SameBits(m2, MakeCol({1, 0, 0})) && SameBits(m3, CMatrix(0.0, 8, 1)));
+    EXPECT_TRUE(shapes(3, 1, 3, 1, 8, 1) && std::isfinite(m1(0)));
+    PlaneFit(points, m1, m2, m3);
+    EXPECT_TRUE(shapes(3, 1, 3, 1, 8, 1));
+    CircleFit(points, m1, m2, d1, m3);
+    EXPECT_TRUE(shapes(3, 1, 3, 1, 8, 1));
+    EllipseFit(points, m1, m2, d1, m3);
+    EXPECT_TRUE(shapes(3, 2, 3, 1, 8, 1));
+    SphereFit(points, m1, d1, m3);
+    EXPECT_TRUE(shapes(3, 1, 3, 1, 1, 8));
+    ParaboloidFit(points, m1, d1, d2, d3, m3);
+    EXPECT_TRUE(shapes(3, 1, 3, 1, 1, 8));
+  }
 }
 
 TEST(PlaneFit, RecoversPlaneWithSignedResiduals) {

@@ -1,5 +1,6 @@
 #include "quadrel/fitting/internal/simplex.h"
 
+#include <cmath>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -70,6 +71,18 @@ TEST(SimplexMin, ConstantObjectiveShrinksUntilSmall) {
   EXPECT_NEAR(tolX, 0.1 / 128, 1e-15);
   EXPECT_EQ(tolF, 0.0);
   EXPECT_EQ(calls.size(), 3u + 7u * 4u);
+}
+
+TEST(SimplexMin, NaNCostsRunToTheIterationLimit) {
+  // No comparison holds on NaN, so no test can end the search early; maxIter
+  // stays at the limit.
+  CMatrix x = MakeCol({1.0, 2.0});
+  double tolX = 1e-8, tolF = 1e-8;
+  int maxIter = 50;
+  SimplexMin([](const CMatrix &, const CMatrix &) { return std::nan(""); }, x, CMatrix(), tolX,
+             tolF, maxIter);
+  EXPECT_EQ(maxIter, 50);
+  EXPECT_EQ(x.GetRows() * 10 + x.GetCols(), 21);
 }
 
 }  // namespace
