@@ -76,6 +76,14 @@ TEST(FindQualityPeak, GridCasesGiveTheirCodeAndPosition) {
          return 100 - .05 * X + .005 * (X + .1) * Y + s + (X == 0 && Y == 0 ? .3 : 0);
        },
        3, -2.4, 0.0, 0.2},
+      // Non-finite samples end the search on the best sample: an infinite one,
+      // or the NaN that Max keeps in first place.
+      {"infinite sample",
+       [](double X, double Y, double) { return X == -2 && Y == 0 ? INFINITY : 10 - X * X - Y * Y; },
+       4, -2.0, 0.0, 0.0},
+      {"NaN first sample",
+       [](double X, double Y, double) { return X == -3 && Y == -3 ? NAN : 10 - X * X - Y * Y; }, 4,
+       -3.0, -3.0, 0.0},
       {"poor fit",
        [](double X, double Y, double) { return 100 * std::cos(3 * X) * std::cos(3 * Y); }, 4, 0.0,
        0.0, 0.0},

@@ -85,15 +85,25 @@ TEST(IdealTrihedralFit, ShortSetsAndDegenerateInputGiveTheirCodeAndZeros) {
   // Three parallel planes give no seed frame.
   const CMatrix onZ1 = MakeMatrix(3, 4, {0, 1, 0, 2, 0, 0, 1, 3, 1, 1, 1, 1});
   const CMatrix onZ2 = MakeMatrix(3, 4, {0, 1, 0, 2, 0, 0, 1, 3, 2, 2, 2, 2});
+  CMatrix infinite = kOnZ;
+  infinite(0, 0) = -INFINITY;
   const struct {
     const CMatrix *sets[3];
     double edgeAngle;
     int code;
   } cases[] = {// The first short set wins, and counts come before anything giving 5.
-               {{&two, &kOnY, &kOnZ}, kPi / 2, 1}, {{&kOnX, &two, &two}, kPi / 2, 2},
-               {{&kOnX, &kOnY, &two}, kPi / 2, 3}, {{&two, &two, &two}, NAN, 1},
-               {{&kOnX, &kOnY, &kOnZ}, 0.0, 5},    {{&kOnX, &kOnY, &kOnZ}, 2 * kPi / 3, 5},
-               {{&kOnX, &kOnY, &kOnZ}, NAN, 5},    {{&onZ1, &onZ2, &kOnZ}, kPi / 2, 5}};
+               {{&two, &kOnY, &kOnZ}, kPi / 2, 1},
+               {{&kOnX, &two, &two}, kPi / 2, 2},
+               {{&kOnX, &kOnY, &two}, kPi / 2, 3},
+               {{&two, &two, &two}, NAN, 1},
+               {{&kOnX, &kOnY, &kOnZ}, 0.0, 5},
+               {{&kOnX, &kOnY, &kOnZ}, 2 * kPi / 3, 5},
+               {{&kOnX, &kOnY, &kOnZ}, NAN, 5},
+               {{&onZ1, &onZ2, &kOnZ}, kPi / 2, 5},
+               // A non-finite point is degenerate input, but a short set comes first.
+               {{&kOnX, &kOnY, &infinite}, kPi / 2, 5},
+               {{&kOnX, &two, &infinite}, kPi / 2, 2},
+               {{&kOnX, &kOnY, &kOnZ}, INFINITY, 5}};
   for (const auto &c : cases) {
     CMatrix result(7.0, 4, 2);
     EXPECT_EQ(IdealTrihedralFit(*c.sets[0], *c.sets[1], *c.sets[2], result, c.edgeAngle), c.code);
