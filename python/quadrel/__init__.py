@@ -32,7 +32,8 @@ Conventions
 from __future__ import annotations
 
 import math
-from typing import Any, Optional, Tuple, Union
+import os
+from typing import Any, Dict, Optional, Tuple, Union
 
 import numpy as np
 
@@ -51,6 +52,8 @@ from ._results import (
     Peak,
     PeakStatus,
     Plane,
+    SegmentStatus,
+    Segments,
     Sphere,
     Svd,
     Trihedral,
@@ -59,7 +62,7 @@ from ._results import (
 
 __all__ = [
     "fit_line", "fit_plane", "fit_circle", "fit_sphere", "fit_ellipse", "fit_paraboloid",
-    "fit_trihedral", "find_quality_peak",
+    "fit_trihedral", "find_quality_peak", "fit_segments", "SEGMENT_SHAPES",
     "svd", "cond", "lsq", "polyfit", "polyval", "lu", "det", "inv",
     "norm2", "dot", "angle", "cross", "sph2cart", "cart2sph", "sph2cart_array", "cart2sph_array",
     "rotation", "rotation_alpha", "rotation_beta", "rotation_gamma", "rotation_to_z",
@@ -68,6 +71,7 @@ __all__ = [
     "line_point_int", "plane_point_int", "plane_line_int", "plane_plane_int",
     "Line", "Plane", "Circle", "Sphere", "Ellipse", "Paraboloid", "Trihedral",
     "TrihedralStatus", "Peak", "PeakStatus", "Svd", "Lsq", "Lu", "Foot", "Crossing", "Meeting",
+    "Segments", "SegmentStatus",
 ]  # fmt: skip
 
 __version__ = "0.2.0"
@@ -156,6 +160,50 @@ def fit_paraboloid(points: Any) -> Paraboloid:
     p = _args.points("fit_paraboloid", points, 5)
     vertex, a, b, sign, residuals = _quadrel.paraboloid_fit(p.T)
     return Paraboloid(_flat(vertex), a, b, sign, _flat(residuals))
+
+
+# ---------------------------------------------------------------- many segments
+
+#: The shapes fit_segments takes.
+SEGMENT_SHAPES = tuple(_quadrel.segment_shapes())
+
+
+def fit_segments(points: Any, labels: Any, shape: str, *, threads: Optional[int] = None) -> Segments:
+    """Fits one shape to every labelled segment of a point cloud.
+
+    points is (n, 3); labels (n,) gives each point's segment (integers, or any
+    values numpy can sort). shape is one of SEGMENT_SHAPES. Returns Segments,
+    one row per distinct label in ascending order; within a segment the points
+    keep their input order, so each row has the same bits as a fit of that
+    segment alone. Unlike the single fits, segments are screened as the
+    command-line tool screens its input: too few points or degenerate data
+    give the row a status and a reason and NaN numbers, never an exception for
+    the whole call. threads (default: every core this process may use) fit
+    segments in parallel with the GIL released.
+    """
+    name = "fit_segments"
+    p = _args.points(name, points, 0)
+    raw = np.asarray(labels)
+    if raw.ndim != 1 or raw.shape[0] != p.shape[0]:
+        raise ValueError(f"{name}: labels must have shape ({p.shape[0]},), one per point, got {raw.shape}")
+    if raw.dtype.kind not in "biufUSM":
+        raise TypeError(f"{name}: labels must be numbers or strings, got dtype {raw.dtype}")
+    if not isinstance(shape, str) or shape not in SEGMENT_SHAPES:
+        raise ValueError(f"{name}: shape must be one of {', '.join(SEGMENT_SHAPES)}, got {shape!r}")
+    count = len(os.sched_getaffinity(0)) if threads is None else _args.integer(name, "threads", threads, 1, 1024)
+    uniques, codes = np.unique(raw, return_inverse=True)
+    out = _quadrel.fit_segments(
+        np.ascontiguousarray(p), codes.astype(np.int64, copy=False), [str(u) for u in uniques], shape, count
+    )
+    columns: Dict[str, np.ndarray] = {
+        "label": uniques, "points": out["points"], "status": out["status"],
+        "reason": np.array(out["reason"], dtype=object),
+    }  # fmt: skip
+    for k, column in enumerate(out["columns"]):
+        columns[column] = out["values"][:, k]
+    columns["rms"] = out["rms"]
+    columns["max_residual"] = out["max_residual"]
+    return Segments(shape, columns)
 
 
 # ---------------------------------------------------------------- estimators

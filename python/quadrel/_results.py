@@ -238,3 +238,55 @@ class Meeting(NamedTuple):
     distance: float
     point: Optional[np.ndarray]
     direction: Optional[np.ndarray]
+
+
+class SegmentStatus(enum.IntEnum):
+    """How the fit of one segment ended."""
+
+    OK = 0
+    TOO_FEW_POINTS = 1  #: fewer points than the shape takes
+    DEGENERATE = 2  #: points that determine no shape, or a result that is no numbers
+
+
+class Segments:
+    """Columnar results of fit_segments, one row per segment in ascending
+    order of label. Columns (each a numpy array of one value per row):
+    ``label``, ``points`` (count), ``status`` (SegmentStatus codes), ``reason``
+    (why a segment was refused; "" when fitted), the shape's fields
+    (a vector field as ``name_x``, ``name_y``, ``name_z``), ``rms`` and
+    ``max_residual`` (the root mean square and the largest magnitude of the
+    residuals). A refused segment has NaN in every number."""
+
+    def __init__(self, shape: str, columns: Dict[str, np.ndarray]) -> None:
+        self.shape = shape
+        self._columns = columns
+        for array in columns.values():
+            array.flags.writeable = False
+
+    @property
+    def columns(self) -> Dict[str, np.ndarray]:
+        """The columns by name, in order."""
+        return dict(self._columns)
+
+    def __getitem__(self, name: str) -> np.ndarray:
+        return self._columns[name]
+
+    def __len__(self) -> int:
+        return len(self._columns["label"])
+
+    def to_dict(self) -> Dict[str, Any]:
+        """The columns as plain Python lists, for JSON (status as names)."""
+        out = {name: column.tolist() for name, column in self._columns.items()}
+        out["status"] = [SegmentStatus(code).name for code in out["status"]]
+        return out
+
+    def to_pandas(self) -> Any:
+        """A pandas DataFrame of the columns (pandas must be installed)."""
+        import pandas
+
+        return pandas.DataFrame(self._columns)
+
+    def __repr__(self) -> str:
+        ok = int(np.count_nonzero(self._columns["status"] == SegmentStatus.OK))
+        names = ", ".join(self._columns)
+        return f"Segments(shape={self.shape!r}, rows={len(self)}, fitted={ok}, columns=[{names}])"

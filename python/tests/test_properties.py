@@ -1,0 +1,77 @@
+"""Random shapes, dtypes and values fed to every function: a result or a
+ValueError/TypeError, never a crash or a hang."""
+
+import math
+
+import numpy as np
+import pytest
+
+hypothesis = pytest.importorskip("hypothesis")
+from hypothesis import HealthCheck, given, settings  # noqa: E402
+from hypothesis import strategies as st  # noqa: E402
+from hypothesis.extra import numpy as hnp  # noqa: E402
+
+import quadrel as q  # noqa: E402
+
+DTYPES = st.sampled_from([np.float64, np.float32, np.int32, np.uint8, np.bool_, np.complex128, object])
+ELEMENTS = st.floats(allow_nan=True, allow_infinity=True, width=64) | st.integers(-5, 5)
+
+
+@st.composite
+def arrays(draw):
+    """An array of 0 to 3 dimensions, each of up to 7 elements (a matrix of up
+    to 7 x 7: det stays fast), any of the dtypes, C or Fortran order."""
+    shape = draw(hnp.array_shapes(min_dims=0, max_dims=3, min_side=0, max_side=7))
+    dtype = draw(DTYPES)
+    values = draw(hnp.arrays(np.float64, shape, elements=ELEMENTS))
+    if dtype is object:
+        return values.astype(object)
+    with np.errstate(all="ignore"):
+        array = values.astype(dtype)
+    return np.asfortranarray(array) if draw(st.booleans()) else array
+
+
+ARGUMENT = arrays() | ELEMENTS | st.none() | st.text(max_size=3)
+
+# Every public function with the number of its positional arguments.
+FUNCTIONS = {
+    "fit_line": 1, "fit_plane": 1, "fit_circle": 1, "fit_sphere": 1, "fit_ellipse": 1,
+    "fit_paraboloid": 1, "fit_trihedral": 4, "find_quality_peak": 2, "svd": 1, "cond": 1,
+    "lsq": 2, "polyfit": 3, "polyval": 2, "lu": 1, "det": 1, "inv": 1, "norm2": 1, "dot": 2,
+    "angle": 2, "cross": 2, "sph2cart": 3, "cart2sph": 3, "sph2cart_array": 1,
+    "cart2sph_array": 1, "rotation": 3, "rotation_alpha": 3, "rotation_beta": 3,
+    "rotation_gamma": 3, "rotation_to_z": 2, "transform": 3, "untransform": 3,
+    "line_point_dist": 3, "plane_point_dist": 3, "plane_line_dist": 4, "plane_plane_dist": 4,
+    "line_point_int": 3, "plane_point_int": 3, "plane_line_int": 4, "plane_plane_int": 4,
+}  # fmt: skip
+
+
+@pytest.mark.parametrize("name", sorted(FUNCTIONS))
+def test_random_arguments_give_results_or_clean_errors(name):
+    func = getattr(q, name)
+
+    @settings(max_examples=20, deadline=None, suppress_health_check=list(HealthCheck))
+    @given(st.lists(ARGUMENT, min_size=FUNCTIONS[name], max_size=FUNCTIONS[name]), st.integers(0, 9))
+    def check(args, degree):
+        if name == "polyfit":
+            args[2] = degree
+        try:
+            func(*args)
+        except (ValueError, TypeError) as error:
+            assert str(error).startswith(name + ":"), str(error)
+
+    check()
+
+
+@settings(max_examples=15, deadline=None)
+@given(
+    hnp.arrays(np.float64, st.tuples(st.integers(0, 40), st.just(3)), elements=ELEMENTS),
+    st.integers(1, 4),
+)
+def test_random_segments_never_raise_for_data(points, segments):
+    labels = np.arange(len(points)) % segments
+    for shape in q.SEGMENT_SHAPES:
+        result = q.fit_segments(points, labels, shape, threads=2)
+        assert len(result) == len(np.unique(labels))
+        ok = result["status"] == q.SegmentStatus.OK
+        assert np.isfinite(result["rms"][ok]).all() and np.isnan(result["rms"][~ok]).all()

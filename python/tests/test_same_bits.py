@@ -1,0 +1,116 @@
+"""Every function gives from Python the same bits as the C++ library gives on
+the same input: the program reference_calls (built beside the tests) makes
+one call of each in C++ and prints the bits of its outputs; this test makes
+the same calls through the package."""
+
+import math
+import os
+import subprocess
+
+import numpy as np
+import pytest
+
+import quadrel as q
+
+
+def data(rows, cols, seed):
+    """The program's Data(): x_k = sin(k * 12.9898 + seed), k along the rows."""
+    k = np.arange(rows * cols, dtype=np.float64)
+    return np.array([math.sin(v * 12.9898 + seed) for v in k]).reshape(rows, cols)
+
+
+def hexes(*outputs):
+    """Bits of every number, matrices row by row: the program's line format."""
+    words = []
+    for out in outputs:
+        if out is None:
+            continue
+        for x in np.ravel(np.asarray(out, dtype=np.float64)):
+            words.append("%016x" % np.float64(x).view(np.uint64))
+    return words
+
+
+def python_calls():
+    p = (data(3, 30, 4.1) * 0.2 + data(3, 30, 0.7)).T  # (n, 3) points
+    out = {}
+    f = q.fit_line(p)
+    out["fit_line"] = hexes(f.centroid, f.direction, f.residuals)
+    f = q.fit_plane(p)
+    out["fit_plane"] = hexes(f.centroid, f.normal, f.residuals)
+    f = q.fit_circle(p)
+    out["fit_circle"] = hexes(f.centre, f.normal, f.radius, f.residuals)
+    f = q.fit_sphere(p)
+    out["fit_sphere"] = hexes(f.centre, f.radius, f.residuals)
+    f = q.fit_ellipse(p)
+    out["fit_ellipse"] = hexes(f.foci.T, f.normal, f.focal_sum, f.residuals)
+    f = q.fit_paraboloid(p)
+    out["fit_paraboloid"] = hexes(f.vertex, f.a, f.b, f.sign, f.residuals)
+
+    faces = [np.zeros((3, 9)) for _ in range(3)]
+    for s in range(3):
+        for k in range(9):
+            faces[s][s, k] = 1.0 + s + 1e-3 * math.sin(k + 3.0 * s)
+            faces[s][(s + 1) % 3, k] = 1.5 + (s + 1) % 3 + 0.4 * (k % 3)
+            faces[s][(s + 2) % 3, k] = 1.5 + (s + 2) % 3 + 0.3 * (k // 3)
+    t = q.fit_trihedral(*(face.T for face in faces), edge_angle=1.5707963267948966)
+    pose = np.c_[t.apex, t.angles, [t.rms, t.apex_step, t.angle_step]]
+    out["fit_trihedral"] = hexes(int(t.status), pose)
+    positions = data(2, 30, 5.1) * 3.0
+    quality = np.array([
+        10.0 - positions[0, k] * positions[0, k] - 2.0 * positions[1, k] + 0.1 * math.sin(3.0 * k)
+        for k in range(30)
+    ])  # fmt: skip
+    peak = q.find_quality_peak(positions.T, quality)
+    out["find_quality_peak"] = hexes(int(peak.status), peak.position)
+
+    a, square = data(7, 4, 2.1), data(4, 4, 2.4)
+    out["svd"] = hexes(*q.svd(a))
+    out["cond"] = hexes(q.cond(data(3, 5, 2.2)))
+    out["lsq"] = hexes(*q.lsq(a, data(7, 2, 2.3)))
+    coefficients = q.polyfit(data(9, 1, 2.5)[:, 0], data(9, 1, 2.6)[:, 0], 3)
+    out["polyfit"] = hexes(coefficients)
+    out["polyval"] = hexes(q.polyval(coefficients, data(2, 3, 2.7)))
+    out["lu"] = hexes(*q.lu(square))
+    out["lu_permuted"] = hexes(*q.lu(square, permute_l=True))
+    out["det"] = hexes(q.det(square))
+    out["inv"] = hexes(q.inv(square))
+
+    a, b, c, d = (data(3, 1, s)[:, 0] for s in (3.1, 3.2, 3.3, 3.4))
+    out["norm2"] = hexes(q.norm2(a))
+    out["dot"] = hexes(q.dot(a, b))
+    out["angle"] = hexes(q.angle(a, b))
+    out["cross"] = hexes(q.cross(a, b))
+    out["sph2cart"] = hexes(q.sph2cart(2.0, 0.3, -0.4))
+    out["cart2sph"] = hexes(q.cart2sph(0.3, -1.2, 2.5))
+    out["sph2cart_array"] = hexes(q.sph2cart_array(data(3, 4, 3.5).T).T)
+    out["cart2sph_array"] = hexes(q.cart2sph_array(data(3, 4, 3.6).T).T)
+    out["rotation_to_z"] = hexes(q.rotation_to_z(0.3, -0.2))
+    out["rotation"] = hexes(q.rotation(0.1, 0.2, 0.3))
+    out["rotation_alpha"] = hexes(q.rotation_alpha(0.1, 0.2, 0.3))
+    out["rotation_beta"] = hexes(q.rotation_beta(0.1, 0.2, 0.3))
+    out["rotation_gamma"] = hexes(q.rotation_gamma(0.1, 0.2, 0.3))
+    r, pts, shift = q.rotation(0.4, 0.5, 0.6), data(5, 3, 3.8), data(5, 3, 3.9)
+    out["transform"] = hexes(q.transform(r, pts, shift), q.transform(r, a, b))
+    out["untransform"] = hexes(q.untransform(r, pts, shift), q.untransform(r, a, b))
+    out["line_point_dist"] = hexes(q.line_point_dist(a, b, c))
+    out["plane_point_dist"] = hexes(q.plane_point_dist(a, b, c))
+    out["plane_line_dist"] = hexes(q.plane_line_dist(a, b, c, d))
+    out["plane_plane_dist"] = hexes(q.plane_plane_dist(a, b, c, d))
+    out["line_point_int"] = hexes(*q.line_point_int(a, b, c))
+    out["plane_point_int"] = hexes(*q.plane_point_int(a, b, c))
+    out["plane_line_int"] = hexes(*q.plane_line_int(a, b, c, d))
+    out["plane_plane_int"] = hexes(*q.plane_plane_int(a, b, c, d))
+    out["plane_plane_int_parallel"] = hexes(*q.plane_plane_int(a, a, b, 2.0 * a))
+    return out
+
+
+def test_every_function_gives_the_bits_of_the_cpp_call():
+    program = os.environ.get("QUADREL_REFERENCE")
+    if not program:
+        pytest.skip("QUADREL_REFERENCE (the reference_calls program) is not set; run through ctest")
+    lines = subprocess.run([program], check=True, capture_output=True, text=True).stdout.splitlines()
+    expected = {line.split()[0]: line.split()[1:] for line in lines}
+    got = python_calls()
+    assert sorted(got) == sorted(expected)
+    for name in expected:
+        assert got[name] == expected[name], name
