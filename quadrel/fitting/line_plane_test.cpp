@@ -121,6 +121,12 @@ TEST(Fits, AllocationsDoNotGrowWithPointCount) {
     if (fit == 3) SphereFit(points, m1, d1, m3);
     if (fit == 4) EllipseFit(points, m1, m2, d1, m3);
     if (fit == 5) ParaboloidFit(points, m1, d1, d2, d3, m3);
+    // PlaneFit needs no heap at all once its outputs have their shape.
+    if (fit == 1) {
+      AllocationScope again;
+      PlaneFit(points, m1, m2, m3);
+      EXPECT_EQ(again.Count(), 0u) << n << " points";
+    }
     return scope.Count();
   };
   for (int fit = 0; fit < 6; ++fit)

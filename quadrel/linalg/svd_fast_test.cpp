@@ -17,7 +17,6 @@
 #include "quadrel/linalg/least_squares.h"
 #include "quadrel/linalg/svd.h"
 #include "quadrel/matrix/operators.h"
-#include "quadrel/testing/alloc_counter.h"
 #include "quadrel/testing/bit_hash.h"
 #include "quadrel/testing/svd_reference.h"
 #include "quadrel/testing/test_util.h"
@@ -285,15 +284,6 @@ TEST(SvdFast, TallLsqMatchesTheLiteralSolver) {
     EXPECT_TRUE(Same(Tall(A, b, x), literalCond, anyNaN)) << system.name;
     EXPECT_TRUE(Same(x, literalX, anyNaN)) << system.name;
   }
-}
-
-TEST(SvdFast, SmallDecompositionsStayOffTheHeap) {
-  const CMatrix A = TestRandom(9).Matrix(3, 3);
-  CMatrix U, S, V;
-  Svd(A, U, S, V);
-  AllocationScope scope;
-  Svd(A, U, S, V);
-  EXPECT_EQ(scope.Count(), 0u);
 }
 
 }  // namespace

@@ -23,11 +23,6 @@ const CMatrix kOnZ = MakeMatrix(3, 3, {2, 3, 2, 3, 4, 6, 3, 3, 3});
 const CMatrix kTruePose =
     MakeMatrix(3, 3, {1, kPi / 4, 0, 2, std::atan(std::sqrt(2.0)), 0, 3, kPi / 2, 0});
 
-TEST(ApplyRotation, MultipliesMatrixByColumn) {
-  const CMatrix R = MakeMatrix(3, 3, {1, 2, 3, 4, 5, 6, 7, 8, 10});
-  EXPECT_TRUE(SameBits(ApplyRotation(R, MakeCol({1, -1, 2})), MakeCol({5, 11, 19})));
-}
-
 TEST(IdealTrihedralStep, KeepsExactPoseWhateverColumnTwoHeld) {
   CMatrix clean = kTruePose, dirty = kTruePose;
   dirty.SetCol(MakeCol({-3.0, NAN, 1e300}), 2);
