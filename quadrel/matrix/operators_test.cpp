@@ -21,10 +21,16 @@ TEST(Operators, StarIsTheProductAndCaretElementWise) {
   EXPECT_EQ((MakeRow({1e16, 1, -1e16}) * ones)(0), 0.0);
   EXPECT_EQ((MakeRow({1e16, -1e16, 1}) * ones)(0), 1.0);
   EXPECT_FALSE(std::signbit((MakeRow({-0.0}) * MakeCol({1.0}))(0)));
-  // No term is skipped for a zero factor (inf * 0 is NaN), and a NaN or an
-  // infinity in row i of A or column j of B reaches element (i, j) only.
-  EXPECT_TRUE(SameValues(MakeMatrix(2, 2, {1, NAN, 2, 3}) * MakeMatrix(2, 2, {1, 0, INFINITY, 1}),
-                         MakeMatrix(2, 2, {NAN, NAN, INFINITY, 3})));
+  // No term is skipped for a zero factor (inf * 0 is NaN), on either route:
+  // fewer than four rows, or the kernel's blocks of four.
+  for (const int rows : {2, 4}) {
+    CMatrix A(rows, 2), expected(rows, 2);
+    for (int i = 0; i < rows; ++i) {
+      A.SetRow(i % 2 ? MakeRow({2, INFINITY}) : MakeRow({0, 1}), i);
+      expected.SetRow(i % 2 ? MakeRow({INFINITY, NAN}) : MakeRow({NAN, 0}), i);
+    }
+    EXPECT_TRUE(SameValues(A * MakeMatrix(2, 2, {INFINITY, 1, 1, 0}), expected)) << rows;
+  }
 }
 
 TEST(Operators, OneByOneIsNoScalar) {
