@@ -7,12 +7,14 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace quadrel_io {
 
 // What the origin of a point counts: the line of a text file, or the record
-// of a binary file; both from 1.
+// of a binary file (its index among the file's points, NaN points included);
+// both from 1.
 enum class OriginKind { kLine, kRecord };
 
 // A named column of one number per point, in the order of the points.
@@ -45,7 +47,31 @@ class PointSet {
   double at(int r, int k) const { return axis(r)[k]; }
   // Where point k came from (see originKind()), from 1.
   std::int64_t originOf(int k) const { return origins_[static_cast<std::size_t>(k)]; }
+  // The origin of every point, count() values.
+  const std::vector<std::int64_t> &origins() const { return origins_; }
   OriginKind originKind() const { return originKind_; }
+
+  // The format the points were read from: "text", "ply", "pcd" or "las"
+  // (empty for sets made in memory).
+  const std::string &format() const { return format_; }
+  void setFormat(std::string format) { format_ = std::move(format); }
+  // Records of the file left out because x, y or z was not finite (a pixel or
+  // pulse without a return); 0 for text, which refuses such values.
+  std::int64_t skipped() const { return skipped_; }
+  void setSkipped(std::int64_t skipped) { skipped_ = skipped; }
+
+  // An organized cloud is a grid of width x height records stored row by row
+  // (a depth image); width() is 0 for any other set. For an organized set,
+  // rowOf(k) and columnOf(k) give the pixel of point k, from 0.
+  void setGrid(std::int64_t width, std::int64_t height) {
+    width_ = width;
+    height_ = height;
+  }
+  bool organized() const { return width_ > 0; }
+  std::int64_t width() const { return width_; }
+  std::int64_t height() const { return height_; }
+  std::int64_t rowOf(int k) const { return (originOf(k) - 1) / width_; }
+  std::int64_t columnOf(int k) const { return (originOf(k) - 1) % width_; }
 
   // Adds a named column; values must hold count() numbers and the name must
   // be new (the column is not added otherwise, and false comes back).
@@ -59,6 +85,10 @@ class PointSet {
   std::vector<double> values_;
   std::vector<std::int64_t> origins_;
   OriginKind originKind_ = OriginKind::kLine;
+  std::string format_;
+  std::int64_t skipped_ = 0;
+  std::int64_t width_ = 0;
+  std::int64_t height_ = 0;
   std::vector<ExtraColumn> columns_;
 };
 

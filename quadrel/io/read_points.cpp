@@ -7,14 +7,40 @@
 #include <system_error>
 #include <vector>
 
+#include "quadrel/io/las_reader.h"
+#include "quadrel/io/pcd_reader.h"
+#include "quadrel/io/ply_reader.h"
+#include "quadrel/io/point_format.h"
 #include "quadrel/io/read_error.h"
+#include "quadrel/io/shown_bytes.h"
 #include "quadrel/io/text_reader.h"
 
 namespace quadrel_io {
 
 PointSet ParsePoints(std::string_view content, const std::string &name,
                      const ReadOptions &options) {
-  return ParsePointText(content, name, options);
+  switch (DetectFormat(content)) {
+    case PointFormat::kPly:
+      return ParsePly(content, name);
+    case PointFormat::kPcd:
+      return ParsePcd(content, name);
+    case PointFormat::kLas:
+      return ParseLas(content, name);
+    case PointFormat::kLaz:
+      throw ReadError(name, 0, LazMessage(name));
+    case PointFormat::kUnknown:
+      throw ReadError(name, 0,
+                      name +
+                          ": the format is not recognized: the content is binary (it starts "
+                          "with '" +
+                          ShownBytes(content.substr(0, 16), 64) +
+                          "') but is not PLY, PCD or LAS; text files hold numbers as text");
+    case PointFormat::kText:
+      break;
+  }
+  PointSet set = ParsePointText(content, name, options);
+  set.setFormat("text");
+  return set;
 }
 
 PointSet ReadPoints(const std::string &path, const ReadOptions &options) {

@@ -1,6 +1,6 @@
 // The entry to every point reader: bytes or a file in, a PointSet out. The
 // format is told from the content, never from the file name, so standard
-// input serves as well as a file. Text is the one format so far.
+// input serves as well as a file: PLY, PCD, LAS (uncompressed) or text.
 #ifndef QUADREL_IO_READ_POINTS_H
 #define QUADREL_IO_READ_POINTS_H
 
@@ -13,7 +13,9 @@
 namespace quadrel_io {
 
 // Parses the whole content of a point file with the reader of its format;
-// name is the source as messages show it. Throws ReadError on any fault.
+// name is the source as messages show it. options apply to text. Throws
+// ReadError on any fault, among them content that is binary but of no format
+// read here, and LAZ, which it names with the way to decompress it.
 PointSet ParsePoints(std::string_view content, const std::string &name,
                      const ReadOptions &options = kPointColumns);
 

@@ -1,14 +1,17 @@
 #include "quadrel/io/text_reader.h"
 
+#include <algorithm>
 #include <charconv>
 #include <climits>
 #include <cmath>
 #include <cstdint>
 #include <cstdlib>
+#include <string>
 #include <utility>
 #include <vector>
 
 #include "quadrel/io/read_error.h"
+#include "quadrel/io/shown_bytes.h"
 
 namespace quadrel_io {
 
@@ -41,10 +44,10 @@ bool IsBlank(char c) {
   return c == ' ' || c == '\t' || c == '\r' || c == '\v' || c == '\f';
 }
 
-// A field as it may appear in a message: at most 40 characters.
+// A field as it may appear in a message: at most 40 characters, bytes that
+// are not printable escaped.
 std::string Shown(std::string_view field) {
-  if (field.size() <= 40) return std::string(field);
-  return std::string(field.substr(0, 37)) + "...";
+  return ShownBytes(field, 40);
 }
 
 // Splits a line into fields at blanks and commas. Blanks around a comma are
@@ -77,6 +80,36 @@ void SplitFields(std::string_view line, const std::string &name, std::int64_t li
   if (commaPending) throw ReadError(name, lineNumber, "empty field after the last comma");
 }
 
+// Splits a line at semicolons, as spreadsheets write text in locales whose
+// decimal mark is a comma ("1,25;3,5;-0,75"): blanks round a field are
+// dropped and its commas become points. The fields are copies in `held`.
+void SplitSemicolonFields(std::string_view line, const std::string &name, std::int64_t lineNumber,
+                          std::vector<std::string> &held, std::vector<std::string_view> &fields) {
+  held.clear();
+  std::size_t start = 0;
+  while (true) {
+    std::size_t stop = line.find(';', start);
+    const bool last = stop == std::string_view::npos;
+    if (last) stop = line.size();
+    std::string_view field = line.substr(start, stop - start);
+    while (!field.empty() && IsBlank(field.front()))
+      field.remove_prefix(1);
+    while (!field.empty() && IsBlank(field.back()))
+      field.remove_suffix(1);
+    if (field.empty()) {
+      throw ReadError(
+          name, lineNumber,
+          last ? "empty field after the last semicolon" : "empty field before a semicolon");
+    }
+    held.emplace_back(field);
+    for (char &c : held.back())
+      if (c == ',') c = '.';
+    if (last) break;
+    start = stop + 1;
+  }
+  fields.assign(held.begin(), held.end());
+}
+
 }  // namespace
 
 PointSet ParsePointText(std::string_view text, const std::string &name,
@@ -84,7 +117,17 @@ PointSet ParsePointText(std::string_view text, const std::string &name,
   std::vector<double> columns[3];
   std::vector<std::int64_t> lines;
   bool headerAllowed = true;
+  bool semicolons = false;
   std::vector<std::string_view> fields;
+  std::vector<std::string> held;
+  // A header of more than three words names the columns of every line: x, y
+  // and z are the columns of those names, or else the first three, and every
+  // other column is kept under its name.
+  std::vector<std::string> header;
+  std::vector<std::vector<double>> extras;
+  int axes[3] = {0, 1, 2};
+  std::vector<int> extraOf;  // column -> index into extras, or -1
+  std::string expected = options.columnNames;
   std::int64_t lineNumber = 0;
   // A byte order mark, as some editors write at the start of UTF-8 files.
   size_t start = text.substr(0, 3) == "\xEF\xBB\xBF" ? 3 : 0;
@@ -100,7 +143,13 @@ PointSet ParsePointText(std::string_view text, const std::string &name,
       ++first;
     if (first == line.size() || line[first] == '#') continue;
 
-    SplitFields(line, name, lineNumber, fields);
+    // The first line that holds anything decides the separator.
+    if (headerAllowed) semicolons = line.find(';') != std::string_view::npos;
+    if (semicolons) {
+      SplitSemicolonFields(line, name, lineNumber, held, fields);
+    } else {
+      SplitFields(line, name, lineNumber, fields);
+    }
     // The first line that holds anything may name the columns.
     if (headerAllowed) {
       headerAllowed = false;
@@ -109,8 +158,31 @@ PointSet ParsePointText(std::string_view text, const std::string &name,
         double ignoredValue = 0.0;
         if (ParseField(field, ignoredValue) != Field::kWord) allWords = false;
       }
-      if (allWords) continue;
+      if (allWords) {
+        if (fields.size() > 3) {
+          header.assign(fields.begin(), fields.end());
+          const char *const names[3] = {"x", "y", "z"};
+          int found[3] = {-1, -1, -1};
+          for (int r = 0; r < 3; ++r)
+            for (size_t f = 0; f < header.size() && found[r] < 0; ++f)
+              if (header[f] == names[r]) found[r] = static_cast<int>(f);
+          if (found[0] >= 0 && found[1] >= 0 && found[2] >= 0) std::copy(found, found + 3, axes);
+          extraOf.assign(header.size(), -1);
+          for (size_t f = 0; f < header.size(); ++f) {
+            if (static_cast<int>(f) == axes[0] || static_cast<int>(f) == axes[1] ||
+                static_cast<int>(f) == axes[2])
+              continue;
+            extraOf[f] = static_cast<int>(extras.size());
+            extras.emplace_back();
+          }
+          expected.clear();
+          for (const std::string &word : header)
+            expected += (expected.empty() ? "" : " ") + Shown(word);
+        }
+        continue;
+      }
     }
+    const size_t width = header.empty() ? 3 : header.size();
     double values[3] = {0.0, 0.0, 0.0};
     for (size_t f = 0; f < fields.size(); ++f) {
       double value = 0.0;
@@ -124,13 +196,22 @@ PointSet ParsePointText(std::string_view text, const std::string &name,
         case Field::kTooLarge:
           throw ReadError(name, lineNumber, "'" + Shown(fields[f]) + "' is too large for a double");
         case Field::kNumber:
-          if (f < 3) values[f] = value;
+          if (f >= width) break;
+          if (header.empty()) {
+            values[f] = value;
+          } else if (extraOf[f] >= 0) {
+            extras[static_cast<size_t>(extraOf[f])].push_back(value);
+          } else {
+            values[f == static_cast<size_t>(axes[0])   ? 0
+                   : f == static_cast<size_t>(axes[1]) ? 1
+                                                       : 2] = value;
+          }
           break;
       }
     }
-    if (fields.size() != 3) {
+    if (fields.size() != width) {
       throw ReadError(name, lineNumber,
-                      std::string("expected 3 numbers (") + options.columnNames + "), found " +
+                      "expected " + std::to_string(width) + " numbers (" + expected + "), found " +
                           std::to_string(fields.size()));
     }
     if (lines.size() >= static_cast<size_t>(INT_MAX / 3)) {
@@ -142,8 +223,12 @@ PointSet ParsePointText(std::string_view text, const std::string &name,
       columns[r].push_back(values[r]);
     lines.push_back(lineNumber);
   }
-  return PointSet(name, std::move(columns[0]), std::move(columns[1]), std::move(columns[2]),
-                  std::move(lines));
+  PointSet set(name, std::move(columns[0]), std::move(columns[1]), std::move(columns[2]),
+               std::move(lines));
+  for (size_t f = 0; f < extraOf.size(); ++f)
+    if (extraOf[f] >= 0)
+      set.AddColumn(header[f], std::move(extras[static_cast<size_t>(extraOf[f])]));
+  return set;
 }
 
 }  // namespace quadrel_io

@@ -1,9 +1,13 @@
 // Point files as text: one point per line, three numbers each.
 //
-// Numbers are separated by spaces, tabs or commas. Empty lines and lines whose
-// first visible character is '#' are skipped, a UTF-8 byte order mark at the
-// start is skipped, and the first remaining line may be a header made only of
-// words ("x y z"). Every other line must hold exactly three finite numbers.
+// Numbers are separated by spaces, tabs or commas; or, when the first line
+// that holds anything has a semicolon, by semicolons, with decimal commas
+// ("1,25;3,5;-0,75"). Empty lines and lines whose first visible character is
+// '#' are skipped, a UTF-8 byte order mark at the start is skipped, and the
+// first remaining line may be a header made only of words ("x y z"). Every
+// other line must hold exactly three finite numbers, or as many as a header
+// of more than three words names: x, y and z are then the columns of those
+// names (or the first three) and every other column is kept under its name.
 #ifndef QUADREL_IO_TEXT_READER_H
 #define QUADREL_IO_TEXT_READER_H
 

@@ -82,6 +82,34 @@ TEST(TextReader, NamesFileLineAndFaultInEveryMessage) {
   }
 }
 
+TEST(TextReader, ReadsSemicolonsWithDecimalCommasAndNamedColumns) {
+  const PointSet semi = ParsePointText("x;y;z\n1,25; 3,5 ;-0,75\n2;1e-3;4,\n", "eu.csv");
+  ASSERT_EQ(semi.count(), 2);
+  EXPECT_EQ(std::vector<double>(semi.coordinates(), semi.coordinates() + 6),
+            (std::vector<double>{1.25, 2, 3.5, 1e-3, -0.75, 4}));
+  // A header of more than three words: x, y and z by name, the rest kept.
+  const PointSet wide = ParsePointText("label z x y\n7 3 1 2\n8 6 4 5\n", "w");
+  EXPECT_EQ(std::vector<double>(wide.coordinates(), wide.coordinates() + 6),
+            (std::vector<double>{1, 4, 2, 5, 3, 6}));
+  ASSERT_NE(wide.FindColumn("label"), nullptr);
+  EXPECT_EQ(wide.FindColumn("label")->values, (std::vector<double>{7, 8}));
+  const std::pair<std::string, std::string> faults[] = {
+      {"1;2;;3\n", "s:1: empty field before a semicolon"},
+      {"1;2;3;\n", "s:1: empty field after the last semicolon"},
+      {"1;2;3\n4 5 6\n", "s:2: '4 5 6' is not a number"},
+      {"x y z segment\n1 2 3\n", "s:2: expected 4 numbers (x y z segment), found 3"},
+      {"1 2 \x01\xff\n", "s:1: '\\x01\\xff' is not a number"},
+  };
+  for (const auto &[text, message] : faults) {
+    try {
+      ParsePointText(text, "s");
+      ADD_FAILURE() << text;
+    } catch (const ReadError &error) {
+      EXPECT_EQ(error.what(), message);
+    }
+  }
+}
+
 TEST(ReadPoints, ReadsFilesAndNamesThoseItCannotRead) {
   const std::string path = ::testing::TempDir() + "quadrel_io_points.txt";
   std::FILE *file = std::fopen(path.c_str(), "wb");

@@ -1,0 +1,61 @@
+#include "quadrel/io/raw_cloud.h"
+
+#include <climits>
+#include <cmath>
+#include <utility>
+
+#include "quadrel/io/read_error.h"
+
+namespace quadrel_io {
+
+namespace {
+
+// Moves the values at the kept positions to the front and cuts the rest.
+template <typename T>
+void Compact(std::vector<T> &values, const std::vector<std::int64_t> &origins) {
+  for (std::size_t k = 0; k < origins.size(); ++k)
+    values[k] = values[static_cast<std::size_t>(origins[k] - 1)];
+  values.resize(origins.size());
+}
+
+}  // namespace
+
+PointSet FinishCloud(RawCloud cloud, const std::string &name, const std::string &format) {
+  const std::size_t records = cloud.axes[0].size();
+  std::vector<std::int64_t> origins;
+  origins.reserve(records);
+  const double *x = cloud.axes[0].data();
+  const double *y = cloud.axes[1].data();
+  const double *z = cloud.axes[2].data();
+  for (std::size_t k = 0; k < records; ++k) {
+    if (std::isfinite(x[k]) && std::isfinite(y[k]) && std::isfinite(z[k]))
+      origins.push_back(static_cast<std::int64_t>(k) + 1);
+  }
+  if (records > 0 && origins.empty()) {
+    throw ReadError(name, 0,
+                    name + " holds no point with finite x, y and z: all " +
+                        std::to_string(records) +
+                        " records are points without a return (NaN or infinite)");
+  }
+  if (origins.size() > static_cast<std::size_t>(INT_MAX / 3)) {
+    throw ReadError(name, 0,
+                    name + " holds " + std::to_string(origins.size()) + " points; at most " +
+                        std::to_string(INT_MAX / 3) + " fit in one matrix");
+  }
+  if (origins.size() != records) {
+    for (auto &axis : cloud.axes)
+      Compact(axis, origins);
+    for (ExtraColumn &column : cloud.extras)
+      Compact(column.values, origins);
+  }
+  PointSet set(name, std::move(cloud.axes[0]), std::move(cloud.axes[1]), std::move(cloud.axes[2]),
+               std::move(origins), OriginKind::kRecord);
+  set.setFormat(format);
+  set.setSkipped(static_cast<std::int64_t>(records) - set.count());
+  if (cloud.width > 0) set.setGrid(cloud.width, cloud.height);
+  for (ExtraColumn &column : cloud.extras)
+    set.AddColumn(std::move(column.name), std::move(column.values));
+  return set;
+}
+
+}  // namespace quadrel_io
