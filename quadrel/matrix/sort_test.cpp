@@ -4,8 +4,8 @@
 
 #include <gtest/gtest.h>
 
-#include "quadrel/matrix/matrix.h"
 #include "quadrel/matrix/internal/sort_engine.h"
+#include "quadrel/matrix/matrix.h"
 #include "quadrel/testing/alloc_counter.h"
 #include "quadrel/testing/test_util.h"
 
