@@ -2,9 +2,9 @@
 
 #include <climits>
 #include <cstring>
-#include <vector>
 #include <stdexcept>
 #include <string>
+#include <vector>
 
 namespace quadrel_python {
 
@@ -56,7 +56,9 @@ static bool IdentityTable(const double *const *table, const double *data, int ro
   return true;
 }
 
-bool Matrix::Contiguous() const { return IdentityTable(m_ppCol, m_pData, GetRows(), GetCols()); }
+bool Matrix::Contiguous() const {
+  return IdentityTable(m_ppCol, m_pData, GetRows(), GetCols());
+}
 
 double *Matrix::Detach() {
   if (static_cast<long long>(GetRows()) * GetCols() <= kInObject || !Contiguous()) return nullptr;
@@ -77,8 +79,8 @@ Source Describe(const Array &a) {
   // more than 9 columns without rows.
   if (rows > INT_MAX || cols > INT_MAX || (rows > 0 && cols > INT_MAX / rows) ||
       (rows == 0 && cols > 9))
-    throw py::value_error("array of shape (" + std::to_string(rows) + ", " +
-                          std::to_string(cols) + ") is too large for a matrix");
+    throw py::value_error("array of shape (" + std::to_string(rows) + ", " + std::to_string(cols) +
+                          ") is too large for a matrix");
   Source source;
   source.data = a.data();
   source.rows = static_cast<int>(rows);
@@ -105,7 +107,8 @@ InputMatrix::InputMatrix(const Source &source)
   for (int j = 0; j < source.cols; ++j) {
     double *column = m_ppCol[j];
     const double *from = source.data + j * source.colStride;
-    for (int i = 0; i < source.rows; ++i) column[i] = from[i * source.rowStride];
+    for (int i = 0; i < source.rows; ++i)
+      column[i] = from[i * source.rowStride];
   }
 }
 
@@ -133,7 +136,8 @@ OutputMatrix::OutputMatrix(int rows, int cols) : CMatrix(0, 0) {
   m_pData = static_cast<double *>(array_.mutable_data());
   m_nRows = rows;
   m_nCols = cols;
-  for (int j = 0; j < cols; ++j) m_ppCol[j] = m_pData + static_cast<std::ptrdiff_t>(j) * rows;
+  for (int j = 0; j < cols; ++j)
+    m_ppCol[j] = m_pData + static_cast<std::ptrdiff_t>(j) * rows;
 }
 
 OutputMatrix::~OutputMatrix() {
@@ -171,10 +175,13 @@ py::array ToArray(Matrix &m) {
   py::array_t<double, py::array::f_style> out(shape);
   double *to = out.mutable_data();
   for (py::ssize_t j = 0; j < cols; ++j)
-    for (py::ssize_t i = 0; i < rows; ++i) to[j * rows + i] = m.Column(static_cast<int>(j))[i];
+    for (py::ssize_t i = 0; i < rows; ++i)
+      to[j * rows + i] = m.Column(static_cast<int>(j))[i];
   return std::move(out);
 }
 
-py::array ToArray(Matrix &&m) { return ToArray(m); }
+py::array ToArray(Matrix &&m) {
+  return ToArray(m);
+}
 
 }  // namespace quadrel_python

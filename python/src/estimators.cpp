@@ -15,7 +15,8 @@ void BindEstimators(py::module_ &m) {
         const Source s1 = Describe(face1), s2 = Describe(face2), s3 = Describe(face3);
         Matrix result;
         const int code = WithoutGil([&] {
-          return IdealTrihedralFit(InputMatrix(s1), InputMatrix(s2), InputMatrix(s3), result, edgeAngle);
+          return IdealTrihedralFit(InputMatrix(s1), InputMatrix(s2), InputMatrix(s3), result,
+                                   edgeAngle);
         });
         return py::make_tuple(code, ToArray(result));
       },

@@ -36,8 +36,7 @@ void BindFrameMove(py::module_ &m, const char *name, FrameMove move) {
   m.def(
       name,
       [move](const Array &r, const Array &x, const Array &t) {
-        const InputMatrix R(Describe(r)), X(Describe(x)),
-                     T(Describe(t));
+        const InputMatrix R(Describe(r)), X(Describe(x)), T(Describe(t));
         return ToArray(WithoutGil([&] { return Matrix(move(R, X, T)); }));
       },
       py::arg("r"), py::arg("x"), py::arg("t"));
@@ -104,13 +103,11 @@ void BindGeometry(py::module_ &m) {
     return WithoutGil([&] { return PlanePointDist(P, N, Q); });
   });
   m.def("plane_line_dist", [](const Array &p, const Array &n, const Array &q, const Array &d) {
-    const InputMatrix P(Describe(p)), N(Describe(n)), Q(Describe(q)),
-                 D(Describe(d));
+    const InputMatrix P(Describe(p)), N(Describe(n)), Q(Describe(q)), D(Describe(d));
     return WithoutGil([&] { return PlaneLineDist(P, N, Q, D); });
   });
   m.def("plane_plane_dist", [](const Array &p1, const Array &n1, const Array &p2, const Array &n2) {
-    const InputMatrix P1(Describe(p1)), N1(Describe(n1)),
-                 P2(Describe(p2)), N2(Describe(n2));
+    const InputMatrix P1(Describe(p1)), N1(Describe(n1)), P2(Describe(p2)), N2(Describe(n2));
     return WithoutGil([&] { return PlanePlaneDist(P1, N1, P2, N2); });
   });
   m.def("line_point_int", [](const Array &p, const Array &d, const Array &q) {
@@ -126,15 +123,13 @@ void BindGeometry(py::module_ &m) {
     return py::make_tuple(dist, ToArray(foot));
   });
   m.def("plane_line_int", [](const Array &p, const Array &n, const Array &q, const Array &d) {
-    const InputMatrix P(Describe(p)), N(Describe(n)), Q(Describe(q)),
-                 D(Describe(d));
+    const InputMatrix P(Describe(p)), N(Describe(n)), Q(Describe(q)), D(Describe(d));
     Matrix crossing(0, 0);
     const double dist = WithoutGil([&] { return PlaneLineInt(P, N, Q, D, crossing); });
     return py::make_tuple(dist, Written(crossing));
   });
   m.def("plane_plane_int", [](const Array &p1, const Array &n1, const Array &p2, const Array &n2) {
-    const InputMatrix P1(Describe(p1)), N1(Describe(n1)),
-                 P2(Describe(p2)), N2(Describe(n2));
+    const InputMatrix P1(Describe(p1)), N1(Describe(n1)), P2(Describe(p2)), N2(Describe(n2));
     Matrix point(0, 0), direction(0, 0);
     const double dist = WithoutGil([&] { return PlanePlaneInt(P1, N1, P2, N2, point, direction); });
     return py::make_tuple(dist, Written(point), Written(direction));

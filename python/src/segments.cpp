@@ -36,18 +36,21 @@ quadrel_io::PointSet SegmentPoints(const Source &points, const std::vector<std::
                                    const std::string &name) {
   const std::size_t k = rows.size();
   std::vector<double> axes[3];
-  for (auto &axis : axes) axis.resize(k);
+  for (auto &axis : axes)
+    axis.resize(k);
   std::vector<std::int64_t> origins(k);
   for (std::size_t a = 0; a < k; ++a) {
     const double *point = points.data + rows[a] * points.rowStride;
-    for (int r = 0; r < 3; ++r) axes[r][a] = point[r * points.colStride];
+    for (int r = 0; r < 3; ++r)
+      axes[r][a] = point[r * points.colStride];
     origins[a] = rows[a] + 1;  // the row of the input, from 1
   }
   return quadrel_io::PointSet(name, std::move(axes[0]), std::move(axes[1]), std::move(axes[2]),
                               std::move(origins), quadrel_io::OriginKind::kRecord);
 }
 
-SegmentResult FitSegment(const quadrel_frontend::ShapeEntry &shape, const quadrel_io::PointSet &set) {
+SegmentResult FitSegment(const quadrel_frontend::ShapeEntry &shape,
+                         const quadrel_io::PointSet &set) {
   const quadrel_frontend::ShapeFit fit = quadrel_frontend::FitShape(shape, set);
   SegmentResult result;
   result.status = static_cast<int>(fit.outcome.status);
@@ -75,7 +78,8 @@ std::vector<std::string> ColumnNames(const quadrel_frontend::ShapeEntry &shape,
     if (field.values.size() == 1) {
       names.push_back(field.name);
     } else {
-      for (const char *axis : {"_x", "_y", "_z"}) names.push_back(field.name + axis);
+      for (const char *axis : {"_x", "_y", "_z"})
+        names.push_back(field.name + axis);
     }
   }
   return names;
@@ -86,7 +90,8 @@ std::vector<std::string> ColumnNames(const quadrel_frontend::ShapeEntry &shape,
 void BindSegments(py::module_ &m) {
   m.def("segment_shapes", [] {
     std::vector<std::string> names;
-    for (const auto &entry : quadrel_frontend::Shapes()) names.emplace_back(entry.name);
+    for (const auto &entry : quadrel_frontend::Shapes())
+      names.emplace_back(entry.name);
     return names;
   });
   m.def(
@@ -110,9 +115,12 @@ void BindSegments(py::module_ &m) {
         WithoutGil([&] {
           // The rows of each segment in input order, by one counting pass.
           std::vector<std::vector<std::int64_t>> rows(segments);
-          for (py::ssize_t i = 0; i < codes.shape(0); ++i) ++counts[code[i]];
-          for (std::size_t s = 0; s < segments; ++s) rows[s].reserve(counts[s]);
-          for (py::ssize_t i = 0; i < codes.shape(0); ++i) rows[code[i]].push_back(i);
+          for (py::ssize_t i = 0; i < codes.shape(0); ++i)
+            ++counts[code[i]];
+          for (std::size_t s = 0; s < segments; ++s)
+            rows[s].reserve(counts[s]);
+          for (py::ssize_t i = 0; i < codes.shape(0); ++i)
+            rows[code[i]].push_back(i);
 
           std::atomic<std::size_t> next{0};
           auto work = [&] {
@@ -121,9 +129,11 @@ void BindSegments(py::module_ &m) {
           };
           std::vector<std::thread> pool;
           const int extra = std::max(0, std::min<int>(threads, static_cast<int>(segments)) - 1);
-          for (int t = 0; t < extra; ++t) pool.emplace_back(work);
+          for (int t = 0; t < extra; ++t)
+            pool.emplace_back(work);
           work();
-          for (auto &thread : pool) thread.join();
+          for (auto &thread : pool)
+            thread.join();
 
           for (std::size_t s = 0; s < segments; ++s)
             if (results[s].status == 0) {
@@ -142,7 +152,8 @@ void BindSegments(py::module_ &m) {
         auto v = values.mutable_unchecked<2>();
         for (std::size_t s = 0; s < segments; ++s) {
           const SegmentResult &r = results[s];
-          for (std::size_t c = 0; c < width; ++c) v(s, c) = r.status == 0 ? r.values[c] : NAN;
+          for (std::size_t c = 0; c < width; ++c)
+            v(s, c) = r.status == 0 ? r.values[c] : NAN;
           rms.mutable_at(s) = r.rms;
           largest.mutable_at(s) = r.largest;
           count.mutable_at(s) = counts[s];

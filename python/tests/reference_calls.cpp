@@ -20,7 +20,8 @@ namespace {
 CMatrix Data(int rows, int cols, double seed) {
   CMatrix m(rows, cols);
   for (int i = 0, k = 0; i < rows; ++i)
-    for (int j = 0; j < cols; ++j, ++k) m(i, j) = std::sin(k * 12.9898 + seed);
+    for (int j = 0; j < cols; ++j, ++k)
+      m(i, j) = std::sin(k * 12.9898 + seed);
   return m;
 }
 
@@ -37,7 +38,8 @@ class Line {
   }
   Line &operator<<(const CMatrix &m) {
     for (int i = 0; i < m.GetRows(); ++i)
-      for (int j = 0; j < m.GetCols(); ++j) *this << m(i, j);
+      for (int j = 0; j < m.GetCols(); ++j)
+        *this << m(i, j);
     return *this;
   }
   ~Line() { std::printf("%s\n", text_.c_str()); }
@@ -72,8 +74,8 @@ void Estimators() {
   const CMatrix positions = Data(2, 30, 5.1) * 3.0;
   CMatrix quality(30, 1);
   for (int k = 0; k < 30; ++k)
-    quality(k, 0) = 10.0 - positions(0, k) * positions(0, k) - 2.0 * positions(1, k) +
-                    0.1 * std::sin(3.0 * k);
+    quality(k, 0) =
+        10.0 - positions(0, k) * positions(0, k) - 2.0 * positions(1, k) + 0.1 * std::sin(3.0 * k);
   Line("find_quality_peak") << FindQualityPeak(quality, positions, peak) << peak;
 }
 
