@@ -10,6 +10,8 @@ const char *StatusName(Status status) {
       return "too few points";
     case Status::kDegenerate:
       return "degenerate";
+    case Status::kBadInput:
+      return "bad input";
   }
   return "unknown";
 }

@@ -14,9 +14,10 @@ enum class Status {
   kOk = 0,
   kTooFewPoints = 1,  // fewer points than the fit takes
   kDegenerate = 2,    // points that determine no result, or a result that is no numbers
+  kBadInput = 3,      // input that cannot be split or read as asked (no such column, ...)
 };
 
-// "ok", "too few points", "degenerate".
+// "ok", "too few points", "degenerate", "bad input".
 const char *StatusName(Status status);
 
 // status kOk with an empty reason, or the refusal and a message for a person

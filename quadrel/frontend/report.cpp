@@ -82,6 +82,10 @@ std::vector<double> Values(const Vec3 &v) {
 
 }  // namespace
 
+bool SkipsPoints(const PointSet &points) {
+  return points.originKind() == quadrel_io::OriginKind::kRecord;
+}
+
 Report ShapeReport(const ShapeFit &fit, const PointSet &points, bool withResiduals) {
   Report report;
   const std::string shape = fit.shape->name;
@@ -90,6 +94,7 @@ Report ShapeReport(const ShapeFit &fit, const PointSet &points, bool withResidua
   body.push_back(TextEntry("command", shape));
   body.push_back(TextEntry("file", points.name()));
   body.push_back(IntegerEntry("points", fit.points));
+  if (SkipsPoints(points)) body.push_back(IntegerEntry("skipped_points", points.skipped()));
   for (const ResultField &field : fit.fields) {
     body.push_back(field.values.size() == 1 ? NumberEntry(field.name, field.values[0])
                                             : NumberListEntry(field.name, field.values));
@@ -98,7 +103,9 @@ Report ShapeReport(const ShapeFit &fit, const PointSet &points, bool withResidua
   ReportEntries residuals = {NumberEntry("rms", summary.rms),
                              NumberEntry("max_abs", summary.maxAbs),
                              IntegerEntry("max_point", summary.maxIndex + 1),
-                             IntegerEntry("max_line", points.originOf(summary.maxIndex))};
+                             IntegerEntry(SkipsPoints(points) ? "max_record" : "max_line",
+                                          points.originOf(summary.maxIndex))};
+  if (SkipsPoints(points)) report.originName = "record";
   if (withResiduals) {
     residuals.push_back(NumberListEntry("values", fit.residuals));
     report.residualOrigins.reserve(static_cast<size_t>(points.count()));

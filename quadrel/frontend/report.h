@@ -46,9 +46,15 @@ struct Report {
   // the same keys.
   std::vector<ReportEntries> rows;
   // With a list of residuals (the "values" of the "residuals" section): the
-  // origin (line or record) of each point, for the per-point table.
+  // origin (line or record) of each point, for the per-point table, and what
+  // the origin counts ("line" or "record").
   std::vector<std::int64_t> residualOrigins;
+  std::string originName = "line";
 };
+
+// Whether the points come from a format that can hold points without a
+// return (PLY, PCD, LAS): reports of such sets say how many were skipped.
+bool SkipsPoints(const quadrel_io::PointSet &points);
 
 // Root mean square, largest magnitude and where it is: the summary of the
 // residuals of every shape fit. residuals must not be empty.

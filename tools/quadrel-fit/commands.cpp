@@ -6,9 +6,11 @@
 #include "point_input.h"
 #include "quadrel/frontend/peak_fit.h"
 #include "quadrel/frontend/report.h"
+#include "quadrel/frontend/segment_fit.h"
 #include "quadrel/frontend/trihedral_fit.h"
 #include "report.h"
 #include "svg_figures.h"
+#include "table_output.h"
 
 namespace quadrel_fit {
 
@@ -17,7 +19,9 @@ namespace fe = quadrel_frontend;
 namespace {
 
 void Write(const fe::Report &report, const OutputOptions &options, std::ostream &out) {
-  if (options.json) {
+  if (options.csv) {
+    WriteCsv(report, out);
+  } else if (options.json) {
     WriteJson(ToJson(report), out);
   } else {
     WriteText(report, out);
@@ -30,9 +34,40 @@ void Require(const fe::Outcome &outcome) {
   if (!outcome.ok()) throw InputError(outcome.reason);
 }
 
-void RunShapeCommand(const fe::ShapeEntry &shape, const std::string &path,
-                     const OutputOptions &options, std::ostream &out) {
+namespace {
+
+// The options that do not go together, refused before any file is read.
+void CheckOptions(const OutputOptions &options) {
+  if (options.json && options.csv) throw InputError("--json and --csv exclude each other");
+  if (options.csv && options.residuals)
+    throw InputError("--csv does not list residuals; drop --residuals");
+  if (!options.segmentBy.empty() && (options.residuals || !options.svgPath.empty())) {
+    throw InputError("--segment-by takes neither --residuals nor --svg");
+  }
+}
+
+int RunSegments(const fe::ShapeEntry &shape, const PointSet &points, const OutputOptions &options,
+                std::ostream &out) {
+  const fe::SegmentFits fits = fe::FitSegments(shape, points, options.segmentBy);
+  Require(fits.outcome);
+  const fe::Report report = fe::SegmentReport(shape, fits, points);
+  if (options.csv) {
+    WriteCsv(report, out);
+  } else if (options.json) {
+    WriteJsonLines(report, out);
+  } else {
+    WriteTextTable(report, out);
+  }
+  return fits.AllFitted() ? kExitOk : kExitSomeSegments;
+}
+
+}  // namespace
+
+int RunShapeCommand(const fe::ShapeEntry &shape, const std::string &path,
+                    const OutputOptions &options, std::ostream &out) {
+  CheckOptions(options);
   const PointSet points = ReadPointFile(path);
+  if (!options.segmentBy.empty()) return RunSegments(shape, points, options, out);
   const fe::ShapeFit fit = fe::FitShape(shape, points);
   Require(fit.outcome);
   if (!options.svgPath.empty()) {
@@ -42,6 +77,7 @@ void RunShapeCommand(const fe::ShapeEntry &shape, const std::string &path,
   }
   if (!fit.warning.empty()) std::cerr << "quadrel-fit: warning: " << fit.warning << '\n';
   Write(fe::ShapeReport(fit, points, options.residuals), options, out);
+  return kExitOk;
 }
 
 void RunTrihedralCommand(const std::array<std::string, 3> &paths, double edgeAngleDegrees,

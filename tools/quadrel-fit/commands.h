@@ -15,16 +15,19 @@ namespace quadrel_fit {
 
 struct OutputOptions {
   bool json = false;
+  bool csv = false;        // a table with a header (shape fits)
   bool residuals = false;  // one residual per point as well (shape fits)
   std::string svgPath;     // a picture as well, when set
+  std::string segmentBy;   // fit every segment of this column on its own, when set
 };
 
 // Throws an InputError with the reason when the outcome is a refusal.
 void Require(const quadrel_frontend::Outcome &outcome);
 
-// quadrel-fit SHAPE [FILE]
-void RunShapeCommand(const quadrel_frontend::ShapeEntry &shape, const std::string &path,
-                     const OutputOptions &options, std::ostream &out);
+// quadrel-fit SHAPE [FILE]; gives the exit status: kExitOk, or with
+// --segment-by kExitSomeSegments when a segment could not be fitted.
+int RunShapeCommand(const quadrel_frontend::ShapeEntry &shape, const std::string &path,
+                    const OutputOptions &options, std::ostream &out);
 // quadrel-fit trihedral FILE1 FILE2 FILE3; the edge angle in degrees, strictly
 // between 0 and 120.
 void RunTrihedralCommand(const std::array<std::string, 3> &paths, double edgeAngleDegrees,

@@ -9,8 +9,9 @@ namespace quadrel_fit {
 
 // Exit statuses of the program.
 constexpr int kExitOk = 0;
-constexpr int kExitFailure = 1;  // an output file could not be written
-constexpr int kExitUsage = 2;    // bad command line, bad input or degenerate data
+constexpr int kExitFailure = 1;       // an output file could not be written
+constexpr int kExitUsage = 2;         // bad command line, bad input or degenerate data
+constexpr int kExitSomeSegments = 3;  // --segment-by: a segment could not be fitted
 
 // A problem that ends the run: main prints "quadrel-fit: <what()>" on standard
 // error and exits with exitStatus(). Nothing has been written to standard

@@ -30,8 +30,11 @@ std::string Commands() {
 }
 
 const char *const kFileHelp =
-    "Point file: one point per line as x y z, separated by blanks or commas; '#' lines, empty "
-    "lines and one header line of words are skipped. '-' or nothing reads standard input.";
+    "Point file: PLY, PCD (ascii, binary, binary_compressed), LAS 1.0-1.4, or text with one "
+    "point per line as x y z, separated by blanks or commas (or semicolons with decimal "
+    "commas); '#' lines, empty lines and one header line of words are skipped. The format is "
+    "told from the content. Points whose x, y or z is NaN or infinite (no return) are skipped "
+    "and counted. '-' or nothing reads standard input.";
 
 // Reading standard input from a terminal waits for typing; say so.
 void NoteTerminalInput(const std::string &path) {
@@ -63,7 +66,9 @@ int Run(int argc, char **argv) {
   app.footer(
       "Exit status: 0 success, 1 an output file could not be written, 2 bad usage, bad input "
       "or data that determine no shape (with a message on standard error and nothing on "
-      "standard output).\nRun 'quadrel-fit COMMAND --help' for the options of a command.");
+      "standard output), 3 with --segment-by: at least one segment could not be fitted (its "
+      "row says why; the others are written).\nRun 'quadrel-fit COMMAND --help' for the options of "
+      "a command.");
 
   OutputOptions output;
   std::string path = "-";
@@ -75,6 +80,17 @@ int Run(int argc, char **argv) {
     command->add_flag("--json", output.json, "Write the results as one JSON object.");
     command->add_flag("--residuals", output.residuals,
                       "List the residual of every point, with its line in the file.");
+    command->add_flag("--csv", output.csv,
+                      "Write the results as CSV: a header line, then one row (one per segment "
+                      "with --segment-by), numbers that read back exactly.");
+    command
+        ->add_option("--segment-by", output.segmentBy,
+                     "Fit every segment on its own: the points that share a value of this "
+                     "column (a header word of a text file, a PLY property, a PCD field, or a "
+                     "LAS field such as classification, point_source_id or user_data). One row "
+                     "per segment in the order of its first point; --json writes JSON Lines. "
+                     "Exit status 3 when a segment could not be fitted.")
+        ->type_name("NAME");
     if (name == "circle" || name == "ellipse" || name == "plane") {
       command
           ->add_option("--svg", output.svgPath,
@@ -152,10 +168,11 @@ int Run(int argc, char **argv) {
   // Everything goes to a buffer first, so that a failure leaves standard output
   // empty.
   std::ostringstream out;
+  int status = quadrel_fit::kExitOk;
   for (const auto &[shape, command] : shapeCommands) {
     if (command->parsed()) {
       NoteTerminalInput(path);
-      quadrel_fit::RunShapeCommand(*shape, path, output, out);
+      status = quadrel_fit::RunShapeCommand(*shape, path, output, out);
     }
   }
   if (trihedral->parsed()) {
@@ -177,7 +194,7 @@ int Run(int argc, char **argv) {
     std::cerr << "quadrel-fit: cannot write to standard output\n";
     return quadrel_fit::kExitFailure;
   }
-  return quadrel_fit::kExitOk;
+  return status;
 }
 
 }  // namespace

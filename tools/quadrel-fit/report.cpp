@@ -110,7 +110,8 @@ void WriteText(const quadrel_frontend::Report &report, std::ostream &out) {
   if (residuals != nullptr) {
     out << "residual per point\n";
     char row[96];
-    std::snprintf(row, sizeof row, "%10s %10s  %s\n", "point", "line", "residual");
+    std::snprintf(row, sizeof row, "%10s %10s  %s\n", "point", report.originName.c_str(),
+                  "residual");
     out << row;
     size_t k = 0;
     for (const Json &value : *residuals) {

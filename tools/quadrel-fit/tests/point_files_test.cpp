@@ -1,0 +1,196 @@
+// quadrel-fit on point-cloud files and per segment: the same fit bits from
+// every format, points without a return counted, one row per segment in
+// text, JSON Lines and CSV with an exit status of its own, and status 2 with
+// a message for every bad file.
+#include <cmath>
+#include <limits>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+#include "quadrel/io/samples/sample_files.h"
+#include "tool_runner.h"
+
+namespace {
+
+using Json = nlohmann::json;
+using namespace quadrel_io_samples;
+using quadrel_io::ScalarType;
+
+// Three spheres labelled 4, 1 and 7 (in the order of their first points),
+// the last with three points only, and every fifth point without a return.
+SampleCloud Targets(bool withMissing) {
+  SampleCloud cloud;
+  std::vector<double> labels;
+  const double keys[] = {4, 1, 7};
+  for (int k = 0; k < 60; ++k) {
+    const double key = keys[k % 3];
+    if (key == 7 && k > 8) continue;
+    const double t = 0.9 * k, u = 0.37 * k, r = 1 + key / 8;
+    const bool none = withMissing && k % 5 == 4;
+    const double nan = std::numeric_limits<double>::quiet_NaN();
+    cloud.x.push_back(none ? nan : key + r * std::cos(t) * std::cos(u));
+    cloud.y.push_back(none ? nan : r * std::sin(t) * std::cos(u));
+    cloud.z.push_back(none ? nan : 0.5 + r * std::sin(u));
+    labels.push_back(key);
+  }
+  cloud.columns = {{"label", ScalarType::kUint8, labels}};
+  return cloud;
+}
+
+std::string AsText(const SampleCloud &cloud) {
+  std::string text = "x y z label\n";
+  char line[128];
+  for (std::size_t k = 0; k < cloud.size(); ++k) {
+    if (std::isnan(cloud.x[k])) continue;
+    std::snprintf(line, sizeof line, "%.17g %.17g %.17g %g\n", cloud.x[k], cloud.y[k], cloud.z[k],
+                  cloud.columns[0].values[k]);
+    text += line;
+  }
+  return text;
+}
+
+std::vector<Json> JsonLines(const std::string &out) {
+  std::vector<Json> lines;
+  std::istringstream in(out);
+  for (std::string line; std::getline(in, line);)
+    lines.push_back(Json::parse(line));
+  return lines;
+}
+
+TEST(PointFiles, EveryFormatGivesTheFitBitsOfTheTextFile) {
+  const SampleCloud cloud = Targets(true);
+  const std::string text = WriteScratchFile("targets.txt", AsText(cloud));
+  const double scale[3] = {1e-9, 1e-9, 1e-9}, offset[3] = {0, 0, 0};
+  const std::pair<std::string, std::string> files[] = {
+      {"targets-le.ply", WritePly(cloud, PlyEncoding::kLittle, ScalarType::kFloat64)},
+      {"targets-be.ply", WritePly(cloud, PlyEncoding::kBig, ScalarType::kFloat64)},
+      {"targets-ascii.ply", WritePly(cloud, PlyEncoding::kAscii, ScalarType::kFloat64)},
+      {"targets.pcd", WritePcd(cloud, PcdData::kCompressed, ScalarType::kFloat64)}};
+  const Json expected = Json::parse(RunTool({"sphere", "--json", text}).out);
+  EXPECT_EQ(expected["points"], 35);
+  EXPECT_FALSE(expected.contains("skipped_points"));
+  for (const auto &[name, content] : files) {
+    SCOPED_TRACE(name);
+    const ToolRun run = RunTool({"sphere", "--json", "-"}, WriteScratchFile(name, content));
+    ASSERT_EQ(run.status, 0) << run.err;
+    Json fit = Json::parse(run.out);
+    EXPECT_EQ(fit["skipped_points"], 8);
+    EXPECT_EQ(fit["centre"], expected["centre"]);  // the same doubles, as JSON writes them exactly
+    EXPECT_EQ(fit["radius"], expected["radius"]);
+    EXPECT_EQ(fit["residuals"]["rms"], expected["residuals"]["rms"]);
+    EXPECT_TRUE(fit["residuals"].contains("max_record"));
+  }
+  // LAS holds integers: the points at a scale of 1e-9 fit within rounding.
+  SampleCloud finite = Targets(false);
+  const ToolRun las = RunTool(
+      {"plane", "--residuals", WriteScratchFile("t.las", WriteLas(finite, 6, 4, scale, offset))});
+  ASSERT_EQ(las.status, 0) << las.err;
+  EXPECT_NE(las.out.find("skipped points       0\n"), std::string::npos) << las.out;
+  EXPECT_NE(las.out.find("     point     record  residual\n"), std::string::npos);
+}
+
+TEST(Segments, OneRowPerSegmentInTextJsonLinesAndCsvWithStatus3) {
+  const std::string file = WriteScratchFile(
+      "labelled.pcd", WritePcd(Targets(true), PcdData::kBinary, ScalarType::kFloat64));
+  const ToolRun json = RunTool({"sphere", "--segment-by", "label", "--json", file});
+  EXPECT_EQ(json.status, 3) << json.err;
+  EXPECT_EQ(json.err, "");
+  const std::vector<Json> rows = JsonLines(json.out);
+  ASSERT_EQ(rows.size(), 3u);
+  const int keys[] = {4, 1, 7};
+  for (int s = 0; s < 3; ++s) {
+    EXPECT_EQ(json.out.find(std::string("{\"label\":") + std::to_string(keys[s]) + ","),
+              s == 0
+                  ? 0u
+                  : json.out.find('\n' + std::string("{\"label\":") + std::to_string(keys[s])) + 1);
+    EXPECT_EQ(rows[s]["label"], keys[s]);
+    EXPECT_EQ(rows[s]["skipped_in_file"], 8);
+  }
+  EXPECT_NEAR(rows[1]["radius"].get<double>(), 1.125, 1e-12);
+  EXPECT_EQ(rows[2]["status"], "too few points");
+  EXPECT_EQ(rows[2]["points"], 3);
+  EXPECT_FALSE(rows[2].contains("radius"));
+  EXPECT_NE(rows[2]["reason"].get<std::string>().find("(label 7) has 3"), std::string::npos);
+
+  const ToolRun csv = RunTool({"sphere", "--segment-by", "label", "--csv", file});
+  EXPECT_EQ(csv.status, 3);
+  EXPECT_EQ(csv.out.substr(0, csv.out.find('\n')),
+            "label,points,skipped_in_file,status,centre_x,centre_y,centre_z,radius,rms,max_abs,"
+            "reason");
+  std::istringstream lines(csv.out);
+  std::string line;
+  std::getline(lines, line);
+  std::getline(lines, line);
+  EXPECT_EQ(line.rfind("4,", 0), 0u);
+  EXPECT_EQ(std::stod(line.substr(line.find(",ok,") + 4)), rows[0]["centre"][0].get<double>());
+  std::getline(lines, line);
+  std::getline(lines, line);
+  EXPECT_EQ(line.rfind("7,3,8,too few points,,,,,,,a sphere fit needs at least 4 points; ", 0), 0u)
+      << line;
+
+  const ToolRun text = RunTool({"sphere", "--segment-by", "label", file});
+  EXPECT_EQ(text.status, 3);
+  EXPECT_NE(text.out.find("skipped points       8\nsegments             3\nfitted               2\n"
+                          "label  points  status          centre_x"),
+            std::string::npos)
+      << text.out;
+  // Every segment fitted: status 0.
+  EXPECT_EQ(RunTool({"plane", "--segment-by", "label", file}).status, 0);
+}
+
+TEST(PointFiles, BadFilesAndOptionsEndWithStatus2AndAMessage) {
+  const SampleCloud cloud = Targets(false);
+  const std::string ply = WritePly(cloud, PlyEncoding::kLittle, ScalarType::kFloat32);
+  const double unit[3] = {1, 1, 1}, zero[3] = {0, 0, 0};
+  std::string laz = WriteLas(cloud, 1, 2, unit, zero);
+  laz[104] = static_cast<char>(0x81);
+  SampleCloud dark = cloud;
+  dark.z.assign(dark.size(), std::numeric_limits<double>::quiet_NaN());
+  SampleCloud nanLabel = cloud;
+  nanLabel.columns[0].type = ScalarType::kFloat32;
+  nanLabel.columns[0].values[5] = std::numeric_limits<double>::quiet_NaN();
+  const struct {
+    std::vector<std::string> args;
+    std::string content, message;
+  } cases[] = {
+      {{"plane"}, ply.substr(0, ply.size() - 40), "F: at byte "},
+      {{"plane"}, laz, "F is a LAZ file (compressed LAS), which is not read here; decompress"},
+      {{"plane"},
+       std::string("\x7f"
+                   "ELF\x02\x01\x01\0",
+                   8),
+       "F: the format is not recognized: the content is binary (it starts with "
+       "'\\x7fELF\\x02\\x01\\x01\\x00')"},
+      {{"plane"},
+       WritePcd(dark, PcdData::kBinary, ScalarType::kFloat32),
+       "F holds no point with finite x, y and z: all 43 records are points without a return"},
+      {{"plane", "--segment-by", "class"},
+       ply,
+       "F has no column 'class' to segment by; its columns besides x, y and z are: label"},
+      {{"plane", "--segment-by", "label"},
+       WritePly(nanLabel, PlyEncoding::kBig, ScalarType::kFloat64),
+       "F: the label of point 6 is not a finite number"},
+      {{"plane", "--json", "--csv"}, ply, "--json and --csv exclude each other"},
+      {{"plane", "--segment-by", "label", "--residuals"}, ply, "--segment-by takes neither"},
+      {{"plane"}, "x;y;z\n1,5;2;3\n4;5\n", "F:3: expected 3 numbers (x y z), found 2"},
+  };
+  int count = 0;
+  for (const auto &c : cases) {
+    const std::string file = WriteScratchFile("bad-cloud" + std::to_string(++count), c.content);
+    std::vector<std::string> args = c.args;
+    args.push_back(file);
+    std::string message = c.message;
+    if (message[0] == 'F') message.replace(0, 1, file);
+    SCOPED_TRACE(message);
+    const ToolRun run = RunTool(args);
+    EXPECT_EQ(run.status, 2);
+    EXPECT_EQ(run.out, "");
+    EXPECT_NE(run.err.find(message), std::string::npos) << run.err;
+  }
+}
+
+}  // namespace
