@@ -13,7 +13,7 @@ shift || true
 harnesses=("$@")
 if [ ${#harnesses[@]} -eq 0 ]; then
   harnesses=(matrix functions linalg geometry fitting estimators)
-  [ -d tools/quadrel-fit ] && harnesses+=(reader)
+  [ -d tools/quadrel-fit ] && harnesses+=(reader reader_ply reader_pcd reader_las)
 fi
 
 cmake --preset fuzz > /dev/null

@@ -231,7 +231,8 @@ void ReadAscii(std::string_view content, const std::string &name, const Layout &
         double value = 0.0;
         number(value);
         if (!element.properties[p].list) {
-          if (!target.empty()) target[p][record] = value;
+          // A record beyond `fit` cannot be whole: the file ends inside it.
+          if (!target.empty() && static_cast<std::size_t>(record) < fit) target[p][record] = value;
           continue;
         }
         if (!(value >= 0.0 && value <= static_cast<double>(content.size()) &&

@@ -191,6 +191,9 @@ TEST(PointFormats, RefuseBadFilesNamingTheLineOrByteAndTheFault) {
       {"ply\nformat ascii 1.0\nelement vertex 2\nproperty float x\nproperty float y\nproperty "
        "float z\nend_header\n1 2 3\n4 5\n",
        "f:9: the file ends inside vertex 2 of 2"},
+      {"ply\nformat ascii 1.0\nelement vertex 6\nproperty float x\nproperty float y\nproperty "
+       "float z\nproperty int a\nend_header\n0 0.5 2 2\nnan 2 2\n",
+       "f:10: the file ends inside vertex 2 of 6"},
       {"ply\nformat ascii 1.0\nelement vertex 0\nproperty float x\nproperty float y\nproperty "
        "float z\nend_header\n",
        "no error"},
