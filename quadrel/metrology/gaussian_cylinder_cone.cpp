@@ -1,5 +1,6 @@
 #include "quadrel/metrology/gaussian_cylinder_cone.h"
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 #include <vector>
@@ -22,15 +23,17 @@ AxisState MakeAxis(const Vec3 &a, const Vec3 &w, double alpha, double r) {
   return s;
 }
 
-// Height t along the axis, distance rho from it and the unit radial direction
-// (nu, nv) in the frame (u, v) of point p.
-void AxisLocal(const AxisState &s, const Vec3 &p, double &t, double &rho, double &nu, double &nv) {
-  AxialCoordinates(s.a, s.u, s.v, s.w, p, t, rho, nu, nv);
-}
-
-// Orthogonal distance from the cone, positive outside.
-double AxisDistance(const AxisState &s, double t, double rho) {
-  return (rho - s.r) * std::cos(s.alpha) - t * std::sin(s.alpha);
+// Orthogonal distances from the cone, positive outside, of the points of
+// block, every stride-th from the first; the cosine and sine of the
+// half-angle are taken once.
+template <class Use>
+void AxisDistances(const PointBlock &block, int stride, const AxisState &s, Use &&use) {
+  const double ca = std::cos(s.alpha), sa = std::sin(s.alpha);
+  for (int i = 0; i < block.size(); i += stride) {
+    double t, rho, nu, nv;
+    AxialCoordinates(s.a, s.u, s.v, s.w, block[i], t, rho, nu, nv);
+    use(i, (rho - s.r) * ca - t * sa, t, rho, nu, nv);
+  }
 }
 
 // Local parameters: axis shifts along u and v, tilts of w towards u and v,
@@ -60,11 +63,8 @@ class AxisProblem {
   bool Evaluate(const State &s, NormalEquations &eq) const {
     eq.Clear(Params());
     const double ca = std::cos(s.alpha), sa = std::sin(s.alpha);
-    for (int i = 0; i < block_.size(); ++i) {
-      double t, rho, nu, nv;
-      AxisLocal(s, block_[i], t, rho, nu, nv);
+    AxisDistances(block_, 1, s, [&](int, double d, double t, double rho, double nu, double nv) {
       const double lever = t * ca + rho * sa;
-      const double d = AxisDistance(s, t, rho);
       if (cone_) {
         const double j[6] = {
             -nu * ca, -nv * ca, -lever * nu, -lever * nv, (s.r - rho) * sa - t * ca, -ca};
@@ -73,7 +73,7 @@ class AxisProblem {
         const double j[5] = {-nu, -nv, -t * nu, -t * nv, -1.0};
         eq.Add<5>(j, d);
       }
-    }
+    });
     eq.Symmetrise();
     return eq.Finite();
   }
@@ -86,14 +86,15 @@ class AxisProblem {
 
 // The algebraic start along the axis w through the centroid: the points seen
 // along w satisfy x^2 + y^2 = A x + B y + C (+ D t + E t^2 for a cone), solved
-// by linear least squares in coordinates scaled by the extent. False when the
-// solve fails or gives no real radius.
-bool AlgebraicStart(const PointBlock &block, const Vec3 &w, bool cone, AxisState &start) {
+// by linear least squares in coordinates scaled by the extent, on every
+// stride-th point. False when the solve fails or gives no real radius.
+bool AlgebraicStart(const PointBlock &block, int stride, const Vec3 &w, bool cone,
+                    AxisState &start) {
   const int p = cone ? 5 : 3;
   const double scale = block.extent();
   AxisState frame = MakeAxis(block.centroid(), w, 0.0, 0.0);
   double ata[25] = {}, atb[5] = {}, x[5];
-  for (int i = 0; i < block.size(); ++i) {
+  for (int i = 0; i < block.size(); i += stride) {
     const Vec3 q = (1.0 / scale) * (block[i] - frame.a);
     const double qu = Dot(q, frame.u), qv = Dot(q, frame.v), t = Dot(q, w);
     const double row[5] = {qu, qv, 1.0, t, t * t};
@@ -114,14 +115,10 @@ bool AlgebraicStart(const PointBlock &block, const Vec3 &w, bool cone, AxisState
   return true;
 }
 
-double SumOfSquares(const PointBlock &block, const AxisState &s) {
+double SumOfSquares(const PointBlock &block, int stride, const AxisState &s) {
   double sum = 0.0;
-  for (int i = 0; i < block.size(); ++i) {
-    double t, rho, nu, nv;
-    AxisLocal(s, block[i], t, rho, nu, nv);
-    const double d = AxisDistance(s, t, rho);
-    sum += d * d;
-  }
+  AxisDistances(block, stride, s,
+                [&](int, double d, double, double, double, double) { sum += d * d; });
   return sum;
 }
 
@@ -137,11 +134,14 @@ MetrologyStatus AxisFit(const CMatrix &points, bool cone, CMatrix &axisPoint, CM
   if (status == MetrologyStatus::kConverged) {
     Vec3 axes[3];
     block.Spread(axes);
+    // The starts are judged on about 2000 of the points: enough to tell the
+    // right axis from the wrong ones, and cheap beside the refinement.
+    const int stride = std::max(1, block.size() / 2000);
     double best = std::numeric_limits<double>::infinity();
     for (const Vec3 &w : axes) {
       AxisState start;
-      if (!AlgebraicStart(block, w, cone, start)) continue;
-      const double sum = SumOfSquares(block, start);
+      if (!AlgebraicStart(block, stride, w, cone, start)) continue;
+      const double sum = SumOfSquares(block, stride, start);
       if (sum < best) {
         best = sum;
         state = start;
@@ -161,34 +161,26 @@ MetrologyStatus AxisFit(const CMatrix &points, bool cone, CMatrix &axisPoint, CM
     return status;
   }
   // A cone opens along its direction; a cylinder's direction follows the
-  // orientation rule. Neither flip changes the surface.
-  Vec3 w = state.w;
-  double alpha = state.alpha;
-  if (cone ? alpha < 0.0 : Dot(Oriented(w), w) < 0.0) {
-    w = -1.0 * w;
-    alpha = -alpha;
-  }
-  state = MakeAxis(state.a, w, alpha, state.r);
-  const AxisProblem problem(block, cone, 1.0);
-  problem.Evaluate(state, eq);
+  // orientation rule. Neither flip changes the surface, nor the normal
+  // equations, only the sign of the direction's rows in the covariance map.
+  const bool flip = cone ? state.alpha < 0.0 : Dot(Oriented(state.w), state.w) < 0.0;
   std::vector<double> residuals(static_cast<size_t>(block.size()));
-  for (int i = 0; i < block.size(); ++i) {
-    double t, rho, nu, nv;
-    AxisLocal(state, block[i], t, rho, nu, nv);
-    residuals[i] = AxisDistance(state, t, rho);
-  }
-  const int p = problem.Params();
+  AxisDistances(block, 1, state,
+                [&](int i, double d, double, double, double, double) { residuals[i] = d; });
+  const int p = cone ? 6 : 5;
   double t[8 * 6] = {};
   const Vec3 &u = state.u, &v = state.v;
   const double uc[3] = {u.x, u.y, u.z}, vc[3] = {v.x, v.y, v.z};
+  const double turn = flip ? -1.0 : 1.0;
   for (int k = 0; k < 3; ++k) {
     t[k * p + 0] = uc[k];
     t[k * p + 1] = vc[k];
-    t[(3 + k) * p + 2] = uc[k];
-    t[(3 + k) * p + 3] = vc[k];
+    t[(3 + k) * p + 2] = turn * uc[k];
+    t[(3 + k) * p + 3] = turn * vc[k];
   }
-  if (cone) t[6 * p + 4] = 1.0;
+  if (cone) t[6 * p + 4] = turn;
   t[(q - 1) * p + p - 1] = 1.0;
+  if (flip) state = MakeAxis(state.a, -1.0 * state.w, -state.alpha, state.r);
   axisPoint = ColumnOf(state.a);
   direction = ColumnOf(state.w);
   halfAngle = state.alpha;
