@@ -31,6 +31,7 @@ Conventions
 
 from __future__ import annotations
 
+import functools
 import math
 import os
 from typing import Any, Dict, Optional, Tuple, Union
@@ -62,7 +63,7 @@ from ._results import (
 
 __all__ = [
     "fit_line", "fit_plane", "fit_circle", "fit_sphere", "fit_ellipse", "fit_paraboloid",
-    "fit_trihedral", "find_quality_peak", "fit_segments", "SEGMENT_SHAPES",
+    "fit_trihedral", "find_quality_peak", "fit_segments", "shape_fields", "SEGMENT_SHAPES",
     "svd", "cond", "lsq", "polyfit", "polyval", "lu", "det", "inv",
     "norm2", "dot", "angle", "cross", "sph2cart", "cart2sph", "sph2cart_array", "cart2sph_array",
     "rotation", "rotation_alpha", "rotation_beta", "rotation_gamma", "rotation_to_z",
@@ -168,6 +169,34 @@ def fit_paraboloid(points: Any) -> Paraboloid:
 SEGMENT_SHAPES = tuple(_quadrel.segment_shapes())
 
 
+# Small exact samples that every shape fits: an ellipse in the plane z = 0,
+# then a grid on a paraboloid (which no plane or flat ellipse holds).
+_FIELD_SAMPLES = (
+    np.c_[3.0 * np.cos(np.arange(12) * np.pi / 6), 2.0 * np.sin(np.arange(12) * np.pi / 6), np.zeros(12)],
+    np.array([[x, y, x * x / 4.0 + y * y / 9.0] for x in (-2.0, -1.0, 0.0, 1.0, 2.0) for y in (-2.0, 0.0, 2.0)]),
+)
+
+
+def _check_shape(func: str, shape: Any) -> str:
+    if not isinstance(shape, str) or shape not in SEGMENT_SHAPES:
+        raise ValueError(f"{func}: shape must be one of {', '.join(SEGMENT_SHAPES)}, got {shape!r}")
+    return shape
+
+
+@functools.lru_cache(maxsize=None)
+def shape_fields(shape: str) -> Tuple[str, ...]:
+    """The field columns that fit_segments gives for shape, in order: a vector
+    field as name_x, name_y, name_z, a scalar as its name (rms and
+    max_residual follow them in every result). Learnt once per shape from the
+    fit of a small exact sample, so they are known before any data is seen."""
+    _check_shape("shape_fields", shape)
+    for sample in _FIELD_SAMPLES:
+        out = _quadrel.fit_segments(sample, np.zeros(len(sample), np.int64), ["sample"], shape, 1)
+        if out["columns"]:
+            return tuple(out["columns"])
+    raise RuntimeError(f"shape_fields: no built-in sample fits the shape {shape!r}")
+
+
 def fit_segments(points: Any, labels: Any, shape: str, *, threads: Optional[int] = None) -> Segments:
     """Fits one shape to every labelled segment of a point cloud.
 
@@ -178,8 +207,9 @@ def fit_segments(points: Any, labels: Any, shape: str, *, threads: Optional[int]
     segment alone. Unlike the single fits, segments are screened as the
     command-line tool screens its input: too few points or degenerate data
     give the row a status and a reason and NaN numbers, never an exception for
-    the whole call. threads (default: every core this process may use) fit
-    segments in parallel with the GIL released.
+    the whole call. The columns are label, points, status, reason,
+    shape_fields(shape), rms and max_residual. threads (default: every core
+    this process may use) fit segments in parallel with the GIL released.
     """
     name = "fit_segments"
     p = _args.points(name, points, 0)
@@ -188,8 +218,7 @@ def fit_segments(points: Any, labels: Any, shape: str, *, threads: Optional[int]
         raise ValueError(f"{name}: labels must have shape ({p.shape[0]},), one per point, got {raw.shape}")
     if raw.dtype.kind not in "biufUSM":
         raise TypeError(f"{name}: labels must be numbers or strings, got dtype {raw.dtype}")
-    if not isinstance(shape, str) or shape not in SEGMENT_SHAPES:
-        raise ValueError(f"{name}: shape must be one of {', '.join(SEGMENT_SHAPES)}, got {shape!r}")
+    _check_shape(name, shape)
     count = len(os.sched_getaffinity(0)) if threads is None else _args.integer(name, "threads", threads, 1, 1024)
     uniques, codes = np.unique(raw, return_inverse=True)
     out = _quadrel.fit_segments(
@@ -199,8 +228,11 @@ def fit_segments(points: Any, labels: Any, shape: str, *, threads: Optional[int]
         "label": uniques, "points": out["points"], "status": out["status"],
         "reason": np.array(out["reason"], dtype=object),
     }  # fmt: skip
-    for k, column in enumerate(out["columns"]):
-        columns[column] = out["values"][:, k]
+    # When no segment fits, the fields still get their columns, all NaN.
+    fields = out["columns"] or shape_fields(shape)
+    values = out["values"] if out["columns"] else np.full((len(uniques), len(fields)), np.nan)
+    for k, column in enumerate(fields):
+        columns[column] = values[:, k]
     columns["rms"] = out["rms"]
     columns["max_residual"] = out["max_residual"]
     return Segments(shape, columns)
