@@ -151,13 +151,13 @@ PointSet ParseLas(std::string_view content, const std::string &name) {
   const auto n = static_cast<std::size_t>(count);
   const char *records = content.data() + pointData;
   RawCloud cloud;
+  cloud.Allocate(n);
   for (int r = 0; r < 3; ++r) {
-    std::vector<double> &axis = cloud.axes[r];
-    axis.resize(n);
+    double *axis = cloud.axis(r);
     ReadColumn(records, recordLength, 4 * static_cast<std::size_t>(r), n, ScalarType::kInt32, false,
-               axis.data());
-    for (double &value : axis)
-      value = value * scale[r] + offset[r];
+               axis);
+    for (std::size_t k = 0; k < n; ++k)
+      axis[k] = axis[k] * scale[r] + offset[r];
   }
   for (const LasField &field : layout.fields) {
     std::vector<double> values(n);

@@ -211,10 +211,9 @@ void FindAxes(const Header &header, const std::string &name, std::size_t axes[3]
 std::vector<double *> Targets(const Header &header, const std::size_t axes[3], RawCloud &cloud,
                               std::size_t count) {
   std::vector<double *> target(header.fields.size(), nullptr);
-  for (int r = 0; r < 3; ++r) {
-    cloud.axes[r].resize(count);
-    target[axes[r]] = cloud.axes[r].data();
-  }
+  cloud.Allocate(count);
+  for (int r = 0; r < 3; ++r)
+    target[axes[r]] = cloud.axis(r);
   cloud.extras.reserve(header.fields.size());
   for (std::size_t f = 0; f < header.fields.size(); ++f) {
     const Field &field = header.fields[f];

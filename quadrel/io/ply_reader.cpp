@@ -179,10 +179,9 @@ void FindAxes(const Element &vertex, const std::string &name, int axes[3]) {
 std::vector<double *> Targets(const Element &vertex, const int axes[3], RawCloud &cloud,
                               std::size_t count) {
   std::vector<double *> target(vertex.properties.size(), nullptr);
-  for (int r = 0; r < 3; ++r) {
-    cloud.axes[r].resize(count);
-    target[static_cast<std::size_t>(axes[r])] = cloud.axes[r].data();
-  }
+  cloud.Allocate(count);
+  for (int r = 0; r < 3; ++r)
+    target[static_cast<std::size_t>(axes[r])] = cloud.axis(r);
   cloud.extras.reserve(vertex.properties.size());
   for (std::size_t p = 0; p < vertex.properties.size(); ++p) {
     if (vertex.properties[p].list || target[p] != nullptr) continue;

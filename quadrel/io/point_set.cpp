@@ -13,6 +13,13 @@ PointSet::PointSet(std::string name, std::vector<double> x, std::vector<double> 
   values_.insert(values_.end(), z.begin(), z.end());
 }
 
+PointSet::PointSet(std::string name, std::vector<double> xyz, std::vector<std::int64_t> origins,
+                   OriginKind originKind)
+    : name_(std::move(name)),
+      values_(std::move(xyz)),
+      origins_(std::move(origins)),
+      originKind_(originKind) {}
+
 bool PointSet::AddColumn(std::string name, std::vector<double> values) {
   if (values.size() != origins_.size() || FindColumn(name) != nullptr) return false;
   columns_.push_back({std::move(name), std::move(values)});

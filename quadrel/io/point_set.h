@@ -33,6 +33,10 @@ class PointSet {
   // all four vectors must have the same length.
   PointSet(std::string name, std::vector<double> x, std::vector<double> y, std::vector<double> z,
            std::vector<std::int64_t> origins, OriginKind originKind = OriginKind::kLine);
+  // Takes the coordinates as one block, all x, then all y, then all z: 3
+  // values per origin.
+  PointSet(std::string name, std::vector<double> xyz, std::vector<std::int64_t> origins,
+           OriginKind originKind);
 
   // The source as messages show it: the path, or "<stdin>".
   const std::string &name() const { return name_; }

@@ -21,12 +21,12 @@ void Compact(std::vector<T> &values, const std::vector<std::int64_t> &origins) {
 }  // namespace
 
 PointSet FinishCloud(RawCloud cloud, const std::string &name, const std::string &format) {
-  const std::size_t records = cloud.axes[0].size();
+  const std::size_t records = cloud.records;
   std::vector<std::int64_t> origins;
   origins.reserve(records);
-  const double *x = cloud.axes[0].data();
-  const double *y = cloud.axes[1].data();
-  const double *z = cloud.axes[2].data();
+  const double *x = cloud.axis(0);
+  const double *y = cloud.axis(1);
+  const double *z = cloud.axis(2);
   for (std::size_t k = 0; k < records; ++k) {
     if (std::isfinite(x[k]) && std::isfinite(y[k]) && std::isfinite(z[k]))
       origins.push_back(static_cast<std::int64_t>(k) + 1);
@@ -43,13 +43,17 @@ PointSet FinishCloud(RawCloud cloud, const std::string &name, const std::string 
                         std::to_string(INT_MAX / 3) + " fit in one matrix");
   }
   if (origins.size() != records) {
-    for (auto &axis : cloud.axes)
-      Compact(axis, origins);
+    // Axis by axis to the front of the block: every value moves down or
+    // stays, so one pass in rising order overwrites nothing still needed.
+    const std::size_t kept = origins.size();
+    for (std::size_t r = 0; r < 3; ++r)
+      for (std::size_t k = 0; k < kept; ++k)
+        cloud.xyz[r * kept + k] = cloud.xyz[r * records + static_cast<std::size_t>(origins[k] - 1)];
+    cloud.xyz.resize(3 * kept);
     for (ExtraColumn &column : cloud.extras)
       Compact(column.values, origins);
   }
-  PointSet set(name, std::move(cloud.axes[0]), std::move(cloud.axes[1]), std::move(cloud.axes[2]),
-               std::move(origins), OriginKind::kRecord);
+  PointSet set(name, std::move(cloud.xyz), std::move(origins), OriginKind::kRecord);
   set.setFormat(format);
   set.setSkipped(static_cast<std::int64_t>(records) - set.count());
   if (cloud.width > 0) set.setGrid(cloud.width, cloud.height);

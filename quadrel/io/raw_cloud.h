@@ -13,9 +13,19 @@ namespace quadrel_io {
 
 // x, y and z and the further columns of every record, all of one length, in
 // the order of the file; width and height are set for an organized cloud.
+// The coordinates lie in one block, axis by axis, the layout of PointSet, so
+// that they are never copied.
 struct RawCloud {
-  std::vector<double> axes[3];
+  std::vector<double> xyz;
+  std::size_t records = 0;
   std::vector<ExtraColumn> extras;
+  // Takes room for the coordinates of count records.
+  void Allocate(std::size_t count) {
+    records = count;
+    xyz.resize(3 * count);
+  }
+  // Axis r (0 for x, 1 for y, 2 for z) of every record.
+  double *axis(int r) { return xyz.data() + static_cast<std::size_t>(r) * records; }
   std::int64_t width = 0;
   std::int64_t height = 0;
 };
