@@ -73,7 +73,7 @@ struct ShapeEntry {
 };
 
 // Every shape, in the order the tool lists them: line, plane, circle, sphere,
-// ellipse, paraboloid.
+// ellipse, paraboloid, cylinder, cone.
 const std::vector<ShapeEntry> &Shapes();
 // The shape of that name, or nullptr.
 const ShapeEntry *FindShape(std::string_view name);

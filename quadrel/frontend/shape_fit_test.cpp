@@ -40,7 +40,10 @@ TEST(ShapeTable, EveryShapeGivesItsFieldsInOrderOnItsExactSample) {
       {"centre", "radius"},
       {"focus_1", "focus_2", "normal", "focal_sum", "centre", "semi_major", "semi_minor",
        "centre_to_focus"},
-      {"vertex", "a", "b", "sign"}};
+      {"vertex", "a", "b", "sign"},
+      {"axis_point", "direction", "radius", "u_radius", "rms", "iterations"},
+      {"axis_point", "direction", "half_angle_degrees", "radius", "u_half_angle_degrees",
+       "u_radius", "rms", "iterations"}};
   ASSERT_EQ(fe::Shapes().size(), fields.size());
   for (size_t s = 0; s < fields.size(); ++s) {
     const fe::ShapeEntry &shape = fe::Shapes()[s];

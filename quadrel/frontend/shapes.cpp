@@ -4,6 +4,7 @@
 #include <quadrel/quadrel.h>
 
 #include "quadrel/frontend/checks.h"
+#include "quadrel/frontend/metrology_shapes.h"
 #include "quadrel/frontend/point_matrix.h"
 #include "quadrel/frontend/shape_fit.h"
 
@@ -182,6 +183,17 @@ const std::vector<ShapeEntry> &Shapes() {
        "axes along x and y: vertex, a, b and sign, the sign of the x curvature (s is not "
        "reported); residuals are vertical, positive above the surface.",
        ParaboloidCheck, ParaboloidCall, nullptr, nullptr},
+      {"cylinder", "a", 5,
+       "Fit a cylinder (Gaussian, least-squares orthogonal distances): a point of its axis "
+       "(nearest the centroid), unit axis direction and radius, with the standard uncertainty of "
+       "the radius; residuals are distances from the axis minus the radius, positive outside.",
+       RequireNotOnOneLine, CylinderCall, nullptr, nullptr},
+      {"cone", "a", 6,
+       "Fit a cone (Gaussian, least-squares orthogonal distances): a point of its axis (nearest "
+       "the centroid), unit axis direction towards the wider end, half-angle in degrees and the "
+       "radius at that point, with standard uncertainties; residuals are orthogonal distances, "
+       "positive outside.",
+       RequireNotInOnePlane, ConeCall, nullptr, nullptr},
   };
   return kShapes;
 }

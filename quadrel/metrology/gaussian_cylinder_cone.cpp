@@ -24,12 +24,11 @@ AxisState MakeAxis(const Vec3 &a, const Vec3 &w, double alpha, double r) {
 }
 
 // Orthogonal distances from the cone, positive outside, of the points of
-// block, every stride-th from the first; the cosine and sine of the
-// half-angle are taken once.
+// block; the cosine and sine of the half-angle are taken once.
 template <class Use>
-void AxisDistances(const PointBlock &block, int stride, const AxisState &s, Use &&use) {
+void AxisDistances(const PointBlock &block, const AxisState &s, Use &&use) {
   const double ca = std::cos(s.alpha), sa = std::sin(s.alpha);
-  for (int i = 0; i < block.size(); i += stride) {
+  for (int i = 0; i < block.size(); ++i) {
     double t, rho, nu, nv;
     AxialCoordinates(s.a, s.u, s.v, s.w, block[i], t, rho, nu, nv);
     use(i, (rho - s.r) * ca - t * sa, t, rho, nu, nv);
@@ -63,7 +62,7 @@ class AxisProblem {
   bool Evaluate(const State &s, NormalEquations &eq) const {
     eq.Clear(Params());
     const double ca = std::cos(s.alpha), sa = std::sin(s.alpha);
-    AxisDistances(block_, 1, s, [&](int, double d, double t, double rho, double nu, double nv) {
+    AxisDistances(block_, s, [&](int, double d, double t, double rho, double nu, double nv) {
       const double lever = t * ca + rho * sa;
       if (cone_) {
         const double j[6] = {
@@ -86,15 +85,14 @@ class AxisProblem {
 
 // The algebraic start along the axis w through the centroid: the points seen
 // along w satisfy x^2 + y^2 = A x + B y + C (+ D t + E t^2 for a cone), solved
-// by linear least squares in coordinates scaled by the extent, on every
-// stride-th point. False when the solve fails or gives no real radius.
-bool AlgebraicStart(const PointBlock &block, int stride, const Vec3 &w, bool cone,
-                    AxisState &start) {
+// by linear least squares in coordinates scaled by the extent. False when the
+// solve fails or gives no real radius.
+bool AlgebraicStart(const PointBlock &block, const Vec3 &w, bool cone, AxisState &start) {
   const int p = cone ? 5 : 3;
   const double scale = block.extent();
   AxisState frame = MakeAxis(block.centroid(), w, 0.0, 0.0);
   double ata[25] = {}, atb[5] = {}, x[5];
-  for (int i = 0; i < block.size(); i += stride) {
+  for (int i = 0; i < block.size(); ++i) {
     const Vec3 q = (1.0 / scale) * (block[i] - frame.a);
     const double qu = Dot(q, frame.u), qv = Dot(q, frame.v), t = Dot(q, w);
     const double row[5] = {qu, qv, 1.0, t, t * t};
@@ -115,11 +113,66 @@ bool AlgebraicStart(const PointBlock &block, int stride, const Vec3 &w, bool con
   return true;
 }
 
-double SumOfSquares(const PointBlock &block, int stride, const AxisState &s) {
+double SumOfSquares(const PointBlock &block, const AxisState &s) {
   double sum = 0.0;
-  AxisDistances(block, stride, s,
-                [&](int, double d, double, double, double, double) { sum += d * d; });
+  AxisDistances(block, s, [&](int, double d, double, double, double, double) { sum += d * d; });
   return sum;
+}
+
+// The start of the refinement, from several: 13 trial axes (the principal
+// directions of the scatter, the diagonals between each two and among all
+// three) each give an algebraic start, judged by its sum of squares; the three
+// best are refined on a sample of about 2000 points, and the one that ends
+// lowest is the start for all points. Principal directions alone mislead when
+// two spreads are about equal, as on a cylinder about as long as it is wide.
+MetrologyStatus BestStart(const PointBlock &block, bool cone, AxisState &best) {
+  const int stride = std::max(1, block.size() / 2000);
+  PointBlock sample;
+  sample.TakeEvery(block, stride);
+  Vec3 e[3];
+  sample.Spread(e);
+  const double h = std::sqrt(0.5), d = std::sqrt(1.0 / 3.0);
+  const Vec3 trials[13] = {e[0],
+                           e[1],
+                           e[2],
+                           h * (e[0] + e[1]),
+                           h * (e[0] - e[1]),
+                           h * (e[0] + e[2]),
+                           h * (e[0] - e[2]),
+                           h * (e[1] + e[2]),
+                           h * (e[1] - e[2]),
+                           d * (e[0] + e[1] + e[2]),
+                           d * (e[0] + e[1] - e[2]),
+                           d * (e[0] - e[1] + e[2]),
+                           d * (e[0] - e[1] - e[2])};
+  struct Start {
+    double cost;
+    AxisState state;
+  };
+  std::vector<Start> starts;
+  for (const Vec3 &w : trials) {
+    AxisState start;
+    if (AlgebraicStart(sample, w, cone, start))
+      starts.push_back({SumOfSquares(sample, start), start});
+  }
+  if (starts.empty()) return MetrologyStatus::kDegenerate;
+  std::sort(starts.begin(), starts.end(),
+            [](const Start &a, const Start &b) { return a.cost < b.cost; });
+  double lowest = std::numeric_limits<double>::infinity();
+  const AxisProblem problem(sample, cone, sample.extent());
+  for (size_t k = 0; k < starts.size() && k < 3; ++k) {
+    AxisState state = starts[k].state;
+    NormalEquations eq;
+    int iterations = 0;
+    const MetrologyStatus status = Minimise(problem, state, eq, iterations);
+    if ((status == MetrologyStatus::kConverged || status == MetrologyStatus::kStepLimit) &&
+        eq.cost < lowest) {
+      lowest = eq.cost;
+      best = state;
+    }
+  }
+  return lowest < std::numeric_limits<double>::infinity() ? MetrologyStatus::kConverged
+                                                          : MetrologyStatus::kDegenerate;
 }
 
 // Shared by both fits: start, refine, and write the outputs.
@@ -132,22 +185,7 @@ MetrologyStatus AxisFit(const CMatrix &points, bool cone, CMatrix &axisPoint, CM
   NormalEquations eq;
   int iterations = 0;
   if (status == MetrologyStatus::kConverged) {
-    Vec3 axes[3];
-    block.Spread(axes);
-    // The starts are judged on about 2000 of the points: enough to tell the
-    // right axis from the wrong ones, and cheap beside the refinement.
-    const int stride = std::max(1, block.size() / 2000);
-    double best = std::numeric_limits<double>::infinity();
-    for (const Vec3 &w : axes) {
-      AxisState start;
-      if (!AlgebraicStart(block, stride, w, cone, start)) continue;
-      const double sum = SumOfSquares(block, stride, start);
-      if (sum < best) {
-        best = sum;
-        state = start;
-      }
-    }
-    if (best == std::numeric_limits<double>::infinity()) status = MetrologyStatus::kDegenerate;
+    status = BestStart(block, cone, state);
   }
   if (status == MetrologyStatus::kConverged) {
     const AxisProblem problem(block, cone, std::fmax(block.extent(), std::fabs(state.r)));
@@ -165,7 +203,7 @@ MetrologyStatus AxisFit(const CMatrix &points, bool cone, CMatrix &axisPoint, CM
   // equations, only the sign of the direction's rows in the covariance map.
   const bool flip = cone ? state.alpha < 0.0 : Dot(Oriented(state.w), state.w) < 0.0;
   std::vector<double> residuals(static_cast<size_t>(block.size()));
-  AxisDistances(block, 1, state,
+  AxisDistances(block, state,
                 [&](int i, double d, double, double, double, double) { residuals[i] = d; });
   const int p = cone ? 6 : 5;
   double t[8 * 6] = {};

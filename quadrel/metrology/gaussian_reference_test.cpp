@@ -188,12 +188,16 @@ TEST(GaussianReference, SphereWholeAndOnAnEighthCap) {
   CheckKind(FeatureKind::kSphere, {kFull, {2.0 * kPi, std::acos(0.75), 1.0}});
 }
 
-TEST(GaussianReference, CylinderLongShortAndOnAQuarterArc) {
-  CheckKind(FeatureKind::kCylinder,
-            {{2.0 * kPi, kPi, 3.0}, {2.0 * kPi, kPi, 0.2}, {kPi / 2.0, kPi, 2.0}});
+// A length of sqrt(6) radii spreads the points alike along and across the
+// axis, so that the principal directions of the scatter say nothing.
+TEST(GaussianReference, CylinderLongShortEvenlySpreadAndOnAQuarterArc) {
+  CheckKind(FeatureKind::kCylinder, {{2.0 * kPi, kPi, 3.0},
+                                     {2.0 * kPi, kPi, 0.2},
+                                     {2.0 * kPi, kPi, std::sqrt(6.0)},
+                                     {kPi / 2.0, kPi, 2.0}});
 }
 
 TEST(GaussianReference, ConeFullAndOnAHalfArc) {
-  CheckKind(FeatureKind::kCone, {kFull, {kPi, kPi, 1.0}}, 0.3);
+  CheckKind(FeatureKind::kCone, {kFull, {kPi, kPi, 1.0}, {2.0 * kPi, kPi, 2.4}}, 0.3);
   CheckKind(FeatureKind::kCone, {kFull}, 1.0);
 }

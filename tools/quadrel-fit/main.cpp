@@ -15,6 +15,7 @@
 #include "commands.h"
 #include "demo.h"
 #include "errors.h"
+#include "quadrel/frontend/metrology_shapes.h"
 #include "quadrel/frontend/shape_fit.h"
 
 namespace {
@@ -73,6 +74,7 @@ int Run(int argc, char **argv) {
   OutputOptions output;
   std::string path = "-";
   std::map<const quadrel_frontend::ShapeEntry *, CLI::App *> shapeCommands;
+  std::string criterion = "algebraic";
   for (const quadrel_frontend::ShapeEntry &shape : quadrel_frontend::Shapes()) {
     const std::string_view name = shape.name;
     CLI::App *command = app.add_subcommand(shape.name, shape.description);
@@ -91,6 +93,20 @@ int Run(int argc, char **argv) {
                      "per segment in the order of its first point; --json writes JSON Lines. "
                      "Exit status 3 when a segment could not be fitted.")
         ->type_name("NAME");
+    if (quadrel_frontend::WithCriterion(shape, quadrel_frontend::Criterion::kMinimumZone) ||
+        name == "cylinder" || name == "cone") {
+      command
+          ->add_option("--criterion", criterion,
+                       name == "cylinder" || name == "cone"
+                           ? "gaussian (the default and only choice): least-squares "
+                             "orthogonal distances."
+                           : "algebraic (default): the library's direct fit; gaussian: "
+                             "least-squares orthogonal distances, with rms, iterations and "
+                             "uncertainties; minimum-zone: the narrowest zone that holds every "
+                             "point (straightness as the diameter of a cylinder about the "
+                             "line, flatness, roundness in the Gaussian plane, sphericity).")
+          ->type_name("CRITERION");
+    }
     if (name == "circle" || name == "ellipse" || name == "plane") {
       command
           ->add_option("--svg", output.svgPath,
@@ -171,8 +187,18 @@ int Run(int argc, char **argv) {
   int status = quadrel_fit::kExitOk;
   for (const auto &[shape, command] : shapeCommands) {
     if (command->parsed()) {
+      quadrel_frontend::Criterion chosen = quadrel_frontend::Criterion::kAlgebraic;
+      if (!quadrel_frontend::ParseCriterion(criterion, chosen)) {
+        throw quadrel_fit::InputError("unknown criterion '" + criterion +
+                                      "'; choose one of algebraic, gaussian, minimum-zone");
+      }
+      const quadrel_frontend::ShapeEntry *entry = quadrel_frontend::WithCriterion(*shape, chosen);
+      if (entry == nullptr) {
+        throw quadrel_fit::InputError("a " + std::string(shape->name) + " has no " + criterion +
+                                      " fit; it takes --criterion gaussian");
+      }
       NoteTerminalInput(path);
-      status = quadrel_fit::RunShapeCommand(*shape, path, output, out);
+      status = quadrel_fit::RunShapeCommand(*entry, path, output, out);
     }
   }
   if (trihedral->parsed()) {

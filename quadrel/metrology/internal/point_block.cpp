@@ -20,26 +20,8 @@ MetrologyStatus PointBlock::Load(const CMatrix &points, int minimum, int spread)
     ::operator delete(rows[r]);
   ::operator delete(rows);
 
-  Vec3 sum;
-  for (int i = 0; i < n_; ++i) {
-    sum.x += x_[i];
-    sum.y += y_[i];
-    sum.z += z_[i];
-  }
-  finite_ = std::isfinite(sum.x) && std::isfinite(sum.y) && std::isfinite(sum.z);
+  Summarise();
   if (!finite_) return MetrologyStatus::kNonFinite;
-  if (n_ == 0) return MetrologyStatus::kConverged;
-  const Vec3 mean = (1.0 / n_) * sum;
-  // A second pass removes the rounding of the first mean, which matters when
-  // the points lie far from the origin compared with their spread.
-  Vec3 correction;
-  for (int i = 0; i < n_; ++i)
-    correction = correction + ((*this)[i] - mean);
-  centroid_ = mean + (1.0 / n_) * correction;
-  double far = 0.0;
-  for (int i = 0; i < n_; ++i)
-    far = std::fmax(far, Dot((*this)[i] - centroid_, (*this)[i] - centroid_));
-  extent_ = std::sqrt(far);
   Vec3 axes[3];
   if (spread > 0 && Spread(axes) < spread) return MetrologyStatus::kDegenerate;
   return MetrologyStatus::kConverged;
@@ -60,6 +42,41 @@ void PointBlock::Scatter(double s[9]) const {
   s[3] = s[1];
   s[6] = s[2];
   s[7] = s[5];
+}
+
+void PointBlock::Summarise() {
+  Vec3 sum;
+  for (int i = 0; i < n_; ++i) {
+    sum.x += x_[i];
+    sum.y += y_[i];
+    sum.z += z_[i];
+  }
+  finite_ = std::isfinite(sum.x) && std::isfinite(sum.y) && std::isfinite(sum.z);
+  if (!finite_ || n_ == 0) return;
+  const Vec3 mean = (1.0 / n_) * sum;
+  // A second pass removes the rounding of the first mean, which matters when
+  // the points lie far from the origin compared with their spread.
+  Vec3 correction;
+  for (int i = 0; i < n_; ++i)
+    correction = correction + ((*this)[i] - mean);
+  centroid_ = mean + (1.0 / n_) * correction;
+  double far = 0.0;
+  for (int i = 0; i < n_; ++i)
+    far = std::fmax(far, Dot((*this)[i] - centroid_, (*this)[i] - centroid_));
+  extent_ = std::sqrt(far);
+}
+
+void PointBlock::TakeEvery(const PointBlock &from, int stride) {
+  x_.clear();
+  y_.clear();
+  z_.clear();
+  for (int i = 0; i < from.n_; i += stride) {
+    x_.push_back(from.x_[i]);
+    y_.push_back(from.y_[i]);
+    z_.push_back(from.z_[i]);
+  }
+  n_ = static_cast<int>(x_.size());
+  Summarise();
 }
 
 int PointBlock::Spread(Vec3 axes[3]) const {

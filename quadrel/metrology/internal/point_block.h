@@ -18,6 +18,9 @@ class PointBlock {
   // point (corrected by a second pass) and the largest distance from it.
   MetrologyStatus Load(const CMatrix &points, int minimum, int spread = 0);
 
+  // Becomes a copy of every stride-th point of from, starting with the first.
+  void TakeEvery(const PointBlock &from, int stride);
+
   int size() const { return n_; }
   bool finite() const { return finite_; }
   Vec3 operator[](int i) const { return {x_[i], y_[i], z_[i]}; }
@@ -35,6 +38,9 @@ class PointBlock {
   int Spread(Vec3 axes[3]) const;
 
  private:
+  // Sets finite_, centroid_ and extent_ from the coordinates.
+  void Summarise();
+
   int n_ = 0;
   bool finite_ = true;
   std::vector<double> x_, y_, z_;
