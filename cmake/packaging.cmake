@@ -7,6 +7,13 @@
 # shlibs file, so that quadrel-tools, and every package built against it,
 # depends on it through its SONAME. The package summary is the project's
 # description; each package's description says what it holds.
+#
+# Only a build of quadrel itself makes packages, not a project that adds it
+# with add_subdirectory.
+if(NOT PROJECT_IS_TOP_LEVEL)
+  return()
+endif()
+
 set(CPACK_PACKAGE_NAME quadrel)
 set(CPACK_PACKAGE_VENDOR "quadrel developers")
 set(CPACK_PACKAGE_CONTACT "quadrel developers <quadrel@localhost>")
@@ -31,12 +38,16 @@ set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS_POLICY ">=")
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${CMAKE_LIBRARY_OUTPUT_DIRECTORY})
 cmake_path(GET CMAKE_LIBRARY_OUTPUT_DIRECTORY PARENT_PATH _quadrel_shlibs_root)
 set(_quadrel_shlibs "")
-foreach(library IN ITEMS quadrel quadrel_platform)
+foreach(library IN ITEMS quadrel quadrel_platform quadrel_metrology)
+  if(NOT TARGET ${library})
+    continue()
+  endif()
   string(APPEND _quadrel_shlibs "lib${library} ${PROJECT_VERSION_MAJOR} "
     "${CPACK_DEBIAN_RUNTIME_PACKAGE_NAME} (${CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS_POLICY} "
     "${PROJECT_VERSION})\n")
 endforeach()
 file(WRITE ${_quadrel_shlibs_root}/DEBIAN/shlibs "${_quadrel_shlibs}")
+
 set(CPACK_COMPONENT_RUNTIME_DESCRIPTION "Matrices, linear algebra, 3-D geometry, shape fits and \
 estimators, reproducible bit for bit. This package holds the shared libraries.")
 
