@@ -1,20 +1,42 @@
-# Compares the demangled dynamic symbol table of LIBRARY with the list in
-# EXPECTED (one name a line; blank lines and lines starting with # are
-# skipped). Constructor and destructor variants of the C++ ABI demangle to one
-# name and count once.
-find_program(NM_TOOL NAMES nm REQUIRED)
-execute_process(COMMAND ${NM_TOOL} -D --defined-only -C ${LIBRARY}
-  OUTPUT_VARIABLE symbols RESULT_VARIABLE status)
-if(NOT status EQUAL 0)
-  message(FATAL_ERROR "nm failed on ${LIBRARY}")
-endif()
-string(REPLACE "\n" ";" lines "${symbols}")
+# Compares the demangled exported names of LIBRARY with the list in EXPECTED
+# (one name a line; blank lines and lines starting with # are skipped).
+# Constructor and destructor variants of the C++ ABI demangle to one name and
+# count once. An ELF library is read with nm; a Windows DLL (LIBRARY ends in
+# .dll) through the export table that OBJDUMP prints, demangled by c++filt.
 set(actual "")
-foreach(line IN LISTS lines)
-  if(line MATCHES "^[0-9a-fA-F]* +[A-Za-z] +(.+)$")
-    list(APPEND actual "${CMAKE_MATCH_1}")
+if(LIBRARY MATCHES "\\.dll$")
+  find_program(CXXFILT_TOOL NAMES c++filt REQUIRED)
+  execute_process(COMMAND ${OBJDUMP} -p ${LIBRARY} OUTPUT_VARIABLE table RESULT_VARIABLE status)
+  if(NOT status EQUAL 0)
+    message(FATAL_ERROR "${OBJDUMP} -p failed on ${LIBRARY}")
   endif()
-endforeach()
+  # The names follow the line "[Ordinal/Name Pointer] Table", one "[ n] name" a line.
+  string(REGEX REPLACE ".*\\[Ordinal/Name Pointer\\] Table\n" "" table "${table}")
+  string(REGEX MATCHALL "\t\\[ *[0-9]+\\] [^\n]+" entries "${table}")
+  set(mangled "")
+  foreach(entry IN LISTS entries)
+    string(REGEX REPLACE "^\t\\[ *[0-9]+\\] " "" name "${entry}")
+    string(APPEND mangled "${name}\n")
+  endforeach()
+  file(WRITE ${CMAKE_CURRENT_BINARY_DIR}/exported_names.txt "${mangled}")
+  execute_process(COMMAND ${CXXFILT_TOOL} --no-verbose INPUT_FILE ${CMAKE_CURRENT_BINARY_DIR}/exported_names.txt
+    OUTPUT_VARIABLE symbols RESULT_VARIABLE status)
+  string(REPLACE "\n" ";" actual "${symbols}")
+  list(FILTER actual EXCLUDE REGEX "^$")
+else()
+  find_program(NM_TOOL NAMES nm REQUIRED)
+  execute_process(COMMAND ${NM_TOOL} -D --defined-only -C ${LIBRARY}
+    OUTPUT_VARIABLE symbols RESULT_VARIABLE status)
+  if(NOT status EQUAL 0)
+    message(FATAL_ERROR "nm failed on ${LIBRARY}")
+  endif()
+  string(REPLACE "\n" ";" lines "${symbols}")
+  foreach(line IN LISTS lines)
+    if(line MATCHES "^[0-9a-fA-F]* +[A-Za-z] +(.+)$")
+      list(APPEND actual "${CMAKE_MATCH_1}")
+    endif()
+  endforeach()
+endif()
 list(REMOVE_DUPLICATES actual)
 list(SORT actual)
 
@@ -42,4 +64,5 @@ if(missing OR extra)
     "listed but not exported:\n  ${missing_text}\n"
     "exported but not listed:\n  ${extra_text}\n")
 endif()
-message(STATUS "libquadrel.so exports exactly the ${count} listed names")
+get_filename_component(library_name ${LIBRARY} NAME)
+message(STATUS "${library_name} exports exactly the ${count} listed names")

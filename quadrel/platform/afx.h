@@ -8,7 +8,15 @@
 #ifndef QUADREL_PLATFORM_AFX_H
 #define QUADREL_PLATFORM_AFX_H
 
+#if defined(_WIN32)
+#if defined(QUADREL_PLATFORM_BUILDING)
+#define QUADREL_PLATFORM_API __declspec(dllexport)
+#else
+#define QUADREL_PLATFORM_API __declspec(dllimport)
+#endif
+#else
 #define QUADREL_PLATFORM_API __attribute__((visibility("default")))
+#endif
 
 // The framework's per-module state. The two list heads are where a module's
 // runtime classes and class factories are chained.
@@ -20,8 +28,8 @@ struct AfxModuleState {
 // The record that an extension library keeps of itself.
 struct AfxExtensionModule {
   int initialized;
-  void *module;             // the library's instance handle
-  void *firstSharedClass;   // list heads taken over at start-up
+  void *module;            // the library's instance handle
+  void *firstSharedClass;  // list heads taken over at start-up
   void *firstSharedFactory;
 };
 

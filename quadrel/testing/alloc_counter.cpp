@@ -36,13 +36,31 @@ void *Allocate(std::size_t size) {
   throw std::bad_alloc();
 }
 
+// Over-aligned blocks: the Windows C runtime has no aligned_alloc, and its
+// aligned blocks go back through _aligned_free.
+#if defined(_WIN32)
+void *AlignedMalloc(std::size_t align, std::size_t size) {
+  return _aligned_malloc(size, align);
+}
+void AlignedFree(void *p) {
+  _aligned_free(p);
+}
+#else
+void *AlignedMalloc(std::size_t align, std::size_t size) {
+  return std::aligned_alloc(align, size);
+}
+void AlignedFree(void *p) {
+  std::free(p);
+}
+#endif
+
 void *AllocateAligned(std::size_t size, std::align_val_t alignment) {
   ++allocations;
   if (FailHere()) throw std::bad_alloc();
   const std::size_t align = static_cast<std::size_t>(alignment);
   // aligned_alloc wants a size that is a multiple of the alignment.
   const std::size_t rounded = (size + align - 1) / align * align;
-  void *p = std::aligned_alloc(align, rounded == 0 ? align : rounded);
+  void *p = AlignedMalloc(align, rounded == 0 ? align : rounded);
   if (!p) throw std::bad_alloc();
   ++liveBlocks;
   return p;
@@ -52,6 +70,12 @@ void Free(void *p) {
   if (!p) return;
   --liveBlocks;
   std::free(p);
+}
+
+void FreeAligned(void *p) {
+  if (!p) return;
+  --liveBlocks;
+  AlignedFree(p);
 }
 }  // namespace
 
@@ -95,16 +119,16 @@ void *operator new[](std::size_t size, std::align_val_t alignment) {
   return AllocateAligned(size, alignment);
 }
 void operator delete(void *p, std::align_val_t) noexcept {
-  Free(p);
+  FreeAligned(p);
 }
 void operator delete[](void *p, std::align_val_t) noexcept {
-  Free(p);
+  FreeAligned(p);
 }
 void operator delete(void *p, std::size_t, std::align_val_t) noexcept {
-  Free(p);
+  FreeAligned(p);
 }
 void operator delete[](void *p, std::size_t, std::align_val_t) noexcept {
-  Free(p);
+  FreeAligned(p);
 }
 void operator delete(void *p) noexcept {
   Free(p);
