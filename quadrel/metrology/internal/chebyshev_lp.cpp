@@ -188,9 +188,11 @@ class DualSimplex {
   const std::vector<double> &a_;
   const std::vector<double> &b_;
   int k_, n_;
-  double sign_[kMaxLpUnknowns], rhs_[kMaxLpUnknowns], xb_[kMaxLpUnknowns];
-  double inv_[kMaxLpUnknowns][kMaxLpUnknowns];
-  int basis_[kMaxLpUnknowns];
+  // Whole arrays are zeroed, though only k entries are used: vectorised loops
+  // may read the rest.
+  double sign_[kMaxLpUnknowns] = {}, rhs_[kMaxLpUnknowns] = {}, xb_[kMaxLpUnknowns] = {};
+  double inv_[kMaxLpUnknowns][kMaxLpUnknowns] = {};
+  int basis_[kMaxLpUnknowns] = {};
 };
 
 }  // namespace
