@@ -69,6 +69,10 @@ TEST(GaussianFit, BadInputGivesAStatusAndNaN) {
   EXPECT_EQ(
       GaussianConeFit(Points({0, 0, 0, 1, 0, 0, 0, 1, 0, 0, 0, 1, 1, 1, 1}), c, n, angle, r, info),
       MetrologyStatus::kTooFewPoints);
+  double minor = 0.0;
+  EXPECT_EQ(GaussianTorusFit(CMatrix(0.0, 3, 6), c, n, r, minor, info),
+            MetrologyStatus::kTooFewPoints);
+  EXPECT_TRUE(std::isnan(minor) && info.covariance.GetRows() == 8);
   EXPECT_STREQ(MetrologyStatusMessage(MetrologyStatus::kDegenerate),
                "the points do not determine the feature");
 }

@@ -26,7 +26,7 @@ Vec3 V(const CMatrix &m) {
 struct Fitted {
   MetrologyStatus status;
   Vec3 position, axis;
-  double radius = 0.0, halfAngle = 0.0;
+  double radius = 0.0, halfAngle = 0.0, minorRadius = 0.0;
   CMatrix residuals;
 };
 
@@ -53,6 +53,9 @@ Fitted Fit(FeatureKind kind, const CMatrix &points) {
       break;
     case FeatureKind::kCone:
       f.status = GaussianConeFit(points, p, d, f.halfAngle, f.radius, info);
+      break;
+    case FeatureKind::kTorus:
+      f.status = GaussianTorusFit(points, p, d, f.radius, f.minorRadius, info);
       break;
   }
   f.position = V(p);
@@ -82,7 +85,8 @@ double RelativeError(const NominalFeature &nominal, const Fitted &f, double size
     sizeError = std::fabs(f.radius - expected);
   }
   const double halfAngleError = std::fabs(f.halfAngle - nominal.halfAngle) * size;
-  return std::max({position, angle * size, sizeError, halfAngleError}) / size;
+  const double minorError = std::fabs(f.minorRadius - nominal.minorRadius);
+  return std::max({position, angle * size, sizeError, halfAngleError, minorError}) / size;
 }
 
 std::map<std::string, double> &Worst() {
@@ -91,7 +95,7 @@ std::map<std::string, double> &Worst() {
 }
 
 const char *Name(FeatureKind kind) {
-  static const char *names[] = {"line", "plane", "circle", "sphere", "cylinder", "cone"};
+  static const char *names[] = {"line", "plane", "circle", "sphere", "cylinder", "cone", "torus"};
   return names[static_cast<int>(kind)];
 }
 
@@ -125,6 +129,7 @@ void CheckKind(FeatureKind kind, std::initializer_list<Coverage> coverages,
         nominal.direction = CMatrix(dir, 3, 1);
         nominal.radius = size;
         nominal.halfAngle = halfAngle;
+        nominal.minorRadius = kind == FeatureKind::kTorus ? 0.3 * size : 0.0;
         ReferenceSampling sampling;
         sampling.count = 60;
         sampling.seed = seed;
@@ -200,4 +205,8 @@ TEST(GaussianReference, CylinderLongShortEvenlySpreadAndOnAQuarterArc) {
 TEST(GaussianReference, ConeFullAndOnAHalfArc) {
   CheckKind(FeatureKind::kCone, {kFull, {kPi, kPi, 1.0}, {2.0 * kPi, kPi, 2.4}}, 0.3);
   CheckKind(FeatureKind::kCone, {kFull}, 1.0);
+}
+
+TEST(GaussianReference, TorusFullAndOnAQuarterArc) {
+  CheckKind(FeatureKind::kTorus, {kFull, {kPi, kPi, 1.0}});
 }

@@ -8,6 +8,7 @@
 #include "quadrel/metrology/gaussian_circle_sphere.h"
 #include "quadrel/metrology/gaussian_cylinder_cone.h"
 #include "quadrel/metrology/gaussian_line_plane.h"
+#include "quadrel/metrology/gaussian_torus.h"
 #include "quadrel/metrology/minimum_zone.h"
 #include "quadrel/metrology/reference_data.h"
 #include "quadrel/metrology/status.h"

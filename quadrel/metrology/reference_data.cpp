@@ -78,9 +78,9 @@ MetrologyStatus MakeReferencePoints(const NominalFeature &nominal,
   const FeatureKind kind = nominal.kind;
   const bool twoPerPoint = kind == FeatureKind::kLine || kind == FeatureKind::kCircle;
   const bool hasRadius = kind != FeatureKind::kLine && kind != FeatureKind::kPlane;
-  const int params[] = {4, 3, 6, 4, 5, 6};
+  const int params[] = {4, 3, 6, 4, 5, 6, 7};
   const int kindIndex = static_cast<int>(kind);
-  bool valid = kindIndex >= 0 && kindIndex <= 5 && nominal.position.GetRows() == 3 &&
+  bool valid = kindIndex >= 0 && kindIndex <= 6 && nominal.position.GetRows() == 3 &&
                nominal.direction.GetRows() == 3 && n > 0 && sampling.deviation >= 0.0 &&
                sampling.length >= 0.0 && std::isfinite(sampling.arc + sampling.cap);
   if (valid) valid = (twoPerPoint ? 2 * n : n) > params[kindIndex] + 1;
@@ -95,6 +95,8 @@ MetrologyStatus MakeReferencePoints(const NominalFeature &nominal,
   if (valid && kind == FeatureKind::kCone)
     valid = alpha > 0.0 && alpha < 1.5 &&
             nominal.radius - 0.5 * sampling.length * std::tan(alpha) > 2.0 * sampling.deviation;
+  if (valid && kind == FeatureKind::kTorus)
+    valid = nominal.minorRadius > 2.0 * sampling.deviation && nominal.minorRadius < nominal.radius;
   if (!valid) {
     points = CMatrix(3, 0);
     deviations = CMatrix(0, 1);
@@ -180,6 +182,20 @@ MetrologyStatus MakeReferencePoints(const NominalFeature &nominal,
         columns[3][i] = lever * nv;
         columns[4][i] = t;
         columns[5][i] = 1.0;
+        break;
+      }
+      case FeatureKind::kTorus: {
+        const double theta = random.Uniform(-kPi, kPi);
+        const double ct = std::cos(theta), st = std::sin(theta);
+        foot[i] = a + (r + nominal.minorRadius * ct) * radial + (nominal.minorRadius * st) * w;
+        normalA[i] = ct * radial + st * w;
+        columns[0][i] = ct * nu;
+        columns[1][i] = ct * nv;
+        columns[2][i] = st;
+        columns[3][i] = st * nu;
+        columns[4][i] = st * nv;
+        columns[5][i] = ct;
+        columns[6][i] = 1.0;
         break;
       }
     }

@@ -16,26 +16,29 @@
 #include "quadrel/metrology/export.h"
 #include "quadrel/metrology/status.h"
 
-enum class FeatureKind : int { kLine = 0, kPlane, kCircle, kSphere, kCylinder, kCone };
+enum class FeatureKind : int { kLine = 0, kPlane, kCircle, kSphere, kCylinder, kCone, kTorus };
 
 // A nominal feature. position (3 x 1) is a point of a line or plane, the
-// centre of a circle or sphere, the point of a cylinder's or cone's axis about
+// centre of a circle, sphere or torus, the point of a cylinder's or cone's axis about
 // which the samples are centred. direction (3 x 1, unit) is the line's
 // direction, the normal of a plane or circle, the axis of a cylinder or cone
-// (for a cone towards its wider end) and the centre of the sampled cap of a
-// sphere. radius belongs to circle, sphere and cylinder, and to a cone at
-// position; halfAngle (0 < halfAngle < pi / 2) only to a cone.
+// (for a cone towards its wider end), the axis of a torus and the centre of
+// the sampled cap of a sphere. radius belongs to circle, sphere and cylinder,
+// to a cone at position and to a torus from its axis to the middle of its
+// tube; halfAngle (0 < halfAngle < pi / 2) only to a cone, minorRadius (the
+// tube's, below radius) only to a torus.
 struct NominalFeature {
   FeatureKind kind = FeatureKind::kSphere;
   CMatrix position = CMatrix(0.0, 3, 1);
   CMatrix direction = CMatrix(0.0, 3, 1);
   double radius = 1.0;
   double halfAngle = 0.0;
+  double minorRadius = 0.0;
 };
 
 // How to sample it. arc is the angle (radians) covered around the axis of a
-// circle, cylinder or cone, centred on the frame's first axis; cap the polar
-// half-angle of the part of a sphere sampled around direction (pi: all of it);
+// circle, cylinder, cone or torus (whose tube is sampled all round), centred on the frame's first
+// axis; cap the polar half-angle of the part of a sphere sampled around direction (pi: all of it);
 // length the extent along a line or axis, or the side of the square patch of a
 // plane. deviation is the largest displacement from the feature, in length
 // units, and must stay well below the radius. seed makes the data repeatable.
