@@ -124,10 +124,6 @@ class CircleProblem {
   double scale_;
 };
 
-Vec3 ColumnVec(const CMatrix &m) {
-  return {m(0, 0), m(1, 0), m(2, 0)};
-}
-
 }  // namespace
 
 MetrologyStatus GaussianSphereFit(const CMatrix &points, CMatrix &centre, double &radius,
@@ -141,7 +137,7 @@ MetrologyStatus GaussianSphereFit(const CMatrix &points, CMatrix &centre, double
     CMatrix c0, distances;
     double r0 = 0.0;
     SphereFit(points, c0, r0, distances);
-    state = {ColumnVec(c0), r0};
+    state = {VecOf(c0), r0};
     const SphereProblem problem(block, std::fmax(block.extent(), std::fabs(r0)));
     status = Minimise(problem, state, eq, iterations);
   }
@@ -172,7 +168,7 @@ MetrologyStatus GaussianCircleFit(const CMatrix &points, CMatrix &centre, CMatri
     CMatrix c0, n0, distances;
     double r0 = 0.0;
     CircleFit(points, c0, n0, r0, distances);
-    state = MakeCircle(ColumnVec(c0), Normalised(ColumnVec(n0)), r0);
+    state = MakeCircle(VecOf(c0), Normalised(VecOf(n0)), r0);
     const CircleProblem problem(block, std::fmax(block.extent(), std::fabs(r0)));
     status = Minimise(problem, state, eq, iterations);
   }

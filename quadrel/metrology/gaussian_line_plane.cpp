@@ -9,10 +9,6 @@
 
 namespace {
 
-Vec3 ColumnVec(const CMatrix &m) {
-  return {m(0, 0), m(1, 0), m(2, 0)};
-}
-
 // The checks both fits share: true when block holds usable points; otherwise
 // info and the outputs say why not.
 bool Prepare(const CMatrix &points, int minimum, int rankNeeded, PointBlock &block, CMatrix &point,
@@ -33,7 +29,7 @@ MetrologyStatus GaussianLineFit(const CMatrix &points, CMatrix &point, CMatrix &
   if (!Prepare(points, 2, 1, block, point, direction, info)) return info.status;
   CMatrix centroid, dir, distances;
   LineFit(points, centroid, dir, distances);
-  const Vec3 x0 = ColumnVec(centroid), w = Oriented(ColumnVec(dir));
+  const Vec3 x0 = VecOf(centroid), w = Oriented(VecOf(dir));
   Vec3 u, v;
   Complement(w, u, v);
   // Local parameters: shifts of the point along u and v, tilts of the
@@ -65,7 +61,7 @@ MetrologyStatus GaussianPlaneFit(const CMatrix &points, CMatrix &point, CMatrix 
   if (!Prepare(points, 3, 2, block, point, normal, info)) return info.status;
   CMatrix centroid, nrm, distances;
   PlaneFit(points, centroid, nrm, distances);
-  const Vec3 x0 = ColumnVec(centroid), n = Oriented(ColumnVec(nrm));
+  const Vec3 x0 = VecOf(centroid), n = Oriented(VecOf(nrm));
   Vec3 u, v;
   Complement(n, u, v);
   // Local parameters: a shift along the normal and tilts towards u and v.

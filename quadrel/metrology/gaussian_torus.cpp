@@ -71,10 +71,6 @@ class TorusProblem {
   double scale_;
 };
 
-Vec3 ColumnVec(const CMatrix &m) {
-  return {m(0, 0), m(1, 0), m(2, 0)};
-}
-
 }  // namespace
 
 MetrologyStatus GaussianTorusFit(const CMatrix &points, CMatrix &centre, CMatrix &axis,
@@ -88,7 +84,7 @@ MetrologyStatus GaussianTorusFit(const CMatrix &points, CMatrix &centre, CMatrix
     CMatrix c0, n0, distances;
     double r0 = 0.0;
     CircleFit(points, c0, n0, r0, distances);
-    state = MakeTorus(ColumnVec(c0), Normalised(ColumnVec(n0)), r0, 0.0);
+    state = MakeTorus(VecOf(c0), Normalised(VecOf(n0)), r0, 0.0);
     double sum = 0.0;
     TorusDistances(
         block, state,

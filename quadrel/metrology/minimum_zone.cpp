@@ -9,10 +9,6 @@
 
 namespace {
 
-Vec3 ColumnVec(const CMatrix &m) {
-  return {m(0, 0), m(1, 0), m(2, 0)};
-}
-
 struct FrameState {
   Vec3 a, w, u, v;
 };
@@ -97,7 +93,7 @@ MetrologyStatus FrameZone(const CMatrix &points, bool plane, CMatrix &point, CMa
   PointBlock block;
   block.Load(points, 0);
   const double scale = block.extent();
-  FrameState state = MakeFrame(ColumnVec(point), ColumnVec(axis));
+  FrameState state = MakeFrame(VecOf(point), VecOf(axis));
   ZoneOutcome out;
   if (plane) {
     out = SearchZone(PlaneModel(block, scale), state, ZoneKind::kMinimumZone, block.size());

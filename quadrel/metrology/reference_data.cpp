@@ -65,10 +65,6 @@ bool ProjectOut(std::vector<std::vector<double>> columns, std::vector<double> &e
   return largest > 0.0;
 }
 
-Vec3 ColumnVec(const CMatrix &m) {
-  return {m(0, 0), m(1, 0), m(2, 0)};
-}
-
 }  // namespace
 
 MetrologyStatus MakeReferencePoints(const NominalFeature &nominal,
@@ -86,8 +82,8 @@ MetrologyStatus MakeReferencePoints(const NominalFeature &nominal,
   if (valid) valid = (twoPerPoint ? 2 * n : n) > params[kindIndex] + 1;
   Vec3 a, w;
   if (valid) {
-    a = ColumnVec(nominal.position);
-    w = ColumnVec(nominal.direction);
+    a = VecOf(nominal.position);
+    w = VecOf(nominal.direction);
     valid = std::isfinite(Dot(a, a)) && std::fabs(Norm(w) - 1.0) < 1e-12 &&
             (!hasRadius || (nominal.radius > 0.0 && sampling.deviation < 0.5 * nominal.radius));
   }

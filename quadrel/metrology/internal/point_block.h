@@ -50,6 +50,10 @@ class PointBlock {
 
 // A column vector of the n values.
 CMatrix ColumnOf(const std::vector<double> &values);
+// The first column of a matrix of at least 3 rows, as a Vec3.
+inline Vec3 VecOf(const CMatrix &m) {
+  return {m(0, 0), m(1, 0), m(2, 0)};
+}
 // A 3 x 1 column holding v.
 CMatrix ColumnOf(const Vec3 &v);
 // A rows x cols matrix with every element NaN.
