@@ -75,6 +75,12 @@ __all__ = [
     "Segments", "SegmentStatus",
 ]  # fmt: skip
 
+from ._io import PointFile, ReadError, read_points  # noqa: E402
+from ._metrology import *  # noqa: E402,F401,F403
+from ._metrology import __all__ as _metrology_names  # noqa: E402
+
+__all__ += ["read_points", "PointFile", "ReadError", *_metrology_names]
+
 __version__ = "0.2.0"
 
 

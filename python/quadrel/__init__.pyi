@@ -6,6 +6,9 @@ from typing import Any, Dict, NamedTuple, Optional, Tuple, Union, overload
 import numpy as np
 import numpy.typing as npt
 
+from ._io import PointFile as PointFile, ReadError as ReadError, read_points as read_points
+from ._metrology import *
+
 __version__: str
 SEGMENT_SHAPES: Tuple[str, ...]
 

@@ -12,6 +12,8 @@ void BindLinalg(pybind11::module_ &m);
 void BindGeometry(pybind11::module_ &m);
 void BindSegments(pybind11::module_ &m);
 void BindTiming(pybind11::module_ &m);
+void BindIo(pybind11::module_ &m);
+void BindMetrology(pybind11::module_ &m);
 
 }  // namespace quadrel_python
 

@@ -14,4 +14,6 @@ PYBIND11_MODULE(_quadrel, m) {
   quadrel_python::BindGeometry(m);
   quadrel_python::BindSegments(m);
   quadrel_python::BindTiming(m);
+  quadrel_python::BindIo(m);
+  quadrel_python::BindMetrology(m);
 }
