@@ -33,7 +33,7 @@ import pandas as pd
 
 import quadrel
 
-__all__ = ["fit_segments", "fit_plane", "fit_line", "points_frame", "read_points", "main"]
+__all__ = ["fit_segments", "fit_plane", "fit_line", "points_frame", "read_points", "local_cluster", "main"]
 
 # The column that carries each point's place in the input through the
 # shuffle: the partition number in the high 32 bits, the row within the
@@ -130,7 +130,7 @@ def _number_rows(part: pd.DataFrame, by: str, partition_info: Optional[dict] = N
         raise ValueError(f"fit_segments: a partition holds {len(part)} rows, more than {1 << _ROW_BITS}")
     order = (np.int64(number) << _ROW_BITS) + np.arange(len(part), dtype=np.int64)
     numbered = part.assign(**{_ORDER: order})
-    return numbered[numbered[by].notna()]
+    return numbered[numbered[by].notna()] if part[by].hasnans else numbered
 
 
 def _result_meta(frame_meta: pd.DataFrame, shape: str, by: str) -> pd.DataFrame:
@@ -145,11 +145,13 @@ def _fit_partition(part: pd.DataFrame, shape: str, by: str, columns: Tuple[str, 
                    meta: pd.DataFrame) -> pd.DataFrame:  # fmt: skip
     """Every segment of a shuffled partition, which holds all points of its
     segments: sorted back into input order, then fitted in one call."""
-    part = part.iloc[np.argsort(part[_ORDER].to_numpy(), kind="stable")]
-    labels = part[by].to_numpy()
+    order = np.argsort(part[_ORDER].to_numpy(), kind="stable")
+    labels = part[by].to_numpy()[order]
     if labels.dtype.kind == "O":
         labels = labels.astype(str)
-    points = part[list(columns)].to_numpy(dtype=np.float64)
+    points = np.empty((len(order), 3))
+    for k, name in enumerate(columns):
+        points[:, k] = part[name].to_numpy(dtype=np.float64)[order]
     result = quadrel.fit_segments(points, labels, shape, threads=1).columns
     out = {by: pd.Series(result.pop("label")).astype(meta[by].dtype)}
     for name, column in result.items():
@@ -312,6 +314,25 @@ def fit_line(data: Any, columns: Sequence[str] = ("x", "y", "z")) -> quadrel.Lin
     return quadrel.Line(centroid, direction, residuals)
 
 
+# ---------------------------------------------------------------- clusters
+
+
+def local_cluster(n_workers: int = 2, **kwargs: Any) -> Any:
+    """A distributed.LocalCluster of n_workers worker processes with one
+    thread each and no dashboard, started without the MALLOC_TRIM_THRESHOLD_
+    that Dask's nanny gives its workers by default: on glibc that setting
+    turns off the adaptive mmap threshold, so every large temporary array is
+    mapped and faulted in afresh, which made these fits several times slower.
+    Further keywords go to LocalCluster."""
+    from distributed import LocalCluster
+
+    key = "distributed.nanny.pre-spawn-environ"
+    environ = {k: v for k, v in dask.config.get(key, {}).items() if k != "MALLOC_TRIM_THRESHOLD_"}
+    options = dict(n_workers=n_workers, threads_per_worker=1, processes=True, dashboard_address=None)
+    with dask.config.set({key: environ}):
+        return LocalCluster(**{**options, **kwargs})
+
+
 # ---------------------------------------------------------------- command line
 
 
@@ -344,7 +365,7 @@ def main(argv: Optional[Sequence[str]] = None) -> int:
     """The command-line entry: reads the files, runs the fit on the cluster
     with a progress bar on standard error, and writes the results. Returns the
     exit status: 0 done, 1 bad input, 2 bad arguments (from argparse)."""
-    from distributed import Client, LocalCluster, progress
+    from distributed import Client, progress
 
     args = _parser().parse_args(argv)
     columns = args.columns.split(",")
@@ -358,10 +379,7 @@ def main(argv: Optional[Sequence[str]] = None) -> int:
         if args.scheduler:
             client = stack.enter_context(Client(args.scheduler))
         else:
-            cluster = stack.enter_context(
-                LocalCluster(n_workers=args.workers, threads_per_worker=1, processes=True,
-                             dashboard_address=None)  # fmt: skip
-            )
+            cluster = stack.enter_context(local_cluster(args.workers))
             client = stack.enter_context(Client(cluster))
 
         def run(collection: Any) -> Any:

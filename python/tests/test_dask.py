@@ -25,8 +25,8 @@ from conftest import on_sphere  # noqa: E402
 
 @pytest.fixture(scope="module")
 def client():
-    with distributed.LocalCluster(n_workers=2, processes=True, threads_per_worker=1,
-                                  dashboard_address=None) as cluster:  # fmt: skip
+    with qd.local_cluster(2) as cluster:  # two worker processes, one thread each
+        assert len(cluster.workers) == 2
         with distributed.Client(cluster) as c:
             yield c
 

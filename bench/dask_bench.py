@@ -1,0 +1,131 @@
+"""quadrel.dask against the pandas groupby-apply with numpy fits that users
+write today, on the same points in the same run.
+
+    PYTHONPATH=<build>/python python3 bench/dask_bench.py [--points 1e7] [--segments 1e5]
+
+For spheres and for planes: points scattered at random over the segments and
+over the partitions, generated on the workers and held there; the time of
+quadrel.dask.fit_segments on a local cluster of 1 and of 2 worker processes
+(one thread each), of quadrel.fit_segments in this process on one thread, and
+of the pandas groupby-apply. Then the two-pass fit_plane over every point of
+the plane cloud, beside quadrel.fit_plane in this process. Prints the load
+average before and after, since other work on the machine moves the figures.
+"""
+
+import argparse
+import os
+import time
+
+import dask
+import dask.dataframe as dd
+import numpy as np
+import pandas as pd
+from distributed import Client, wait
+
+import quadrel
+import quadrel.dask as qd
+
+
+def make_partition(k: int, rows: int, segments: int, shape: str) -> pd.DataFrame:
+    """rows points of partition k, each on a random one of the segments:
+    near a sphere (centre on a grid, radius 1 to 1.6) or a tilted plane patch."""
+    rng = np.random.default_rng(1000 + k)
+    s = rng.integers(0, segments, rows)
+    centre = np.c_[s % 100, (s // 100) % 100, s // 10000] * 10.0
+    if shape == "sphere":
+        d = rng.normal(size=(rows, 3))
+        d /= np.linalg.norm(d, axis=1)[:, None]
+        p = centre + (1.0 + (s % 7)[:, None] / 10.0) * d
+    else:
+        uv = rng.uniform(-2.0, 2.0, size=(rows, 2))
+        tilt = (s % 5) / 10.0
+        p = centre + np.c_[uv[:, 0], uv[:, 1], tilt * uv[:, 0] - tilt * uv[:, 1]]
+    p += rng.normal(scale=1e-3, size=(rows, 3))
+    return pd.DataFrame({"x": p[:, 0], "y": p[:, 1], "z": p[:, 2], "segment": s})
+
+
+def cloud(points: int, segments: int, parts: int, shape: str) -> dd.DataFrame:
+    rows = points // parts
+    meta = make_partition(0, 0, 1, shape)
+    pieces = [dask.delayed(make_partition)(k, rows, segments, shape) for k in range(parts)]
+    return dd.from_delayed(pieces, meta=meta)
+
+
+def numpy_sphere(group: pd.DataFrame) -> pd.Series:
+    """The algebraic sphere fit as users write it with numpy."""
+    p = group.to_numpy()
+    a = np.c_[2.0 * p, np.ones(len(p))]
+    b = (p * p).sum(axis=1)
+    x = np.linalg.lstsq(a, b, rcond=None)[0]
+    radius = np.sqrt(x[3] + x[:3] @ x[:3])
+    r = np.linalg.norm(p - x[:3], axis=1) - radius
+    return pd.Series({"centre_x": x[0], "centre_y": x[1], "centre_z": x[2], "radius": radius,
+                      "rms": np.sqrt(np.mean(r * r))})  # fmt: skip
+
+
+def numpy_plane(group: pd.DataFrame) -> pd.Series:
+    """The orthogonal plane fit as users write it with numpy."""
+    p = group.to_numpy()
+    c = p.mean(axis=0)
+    n = np.linalg.svd(p - c, full_matrices=False)[2][2]
+    r = (p - c) @ n
+    return pd.Series({"centroid_x": c[0], "centroid_y": c[1], "centroid_z": c[2], "normal_x": n[0],
+                      "normal_y": n[1], "normal_z": n[2], "rms": np.sqrt(np.mean(r * r))})  # fmt: skip
+
+
+def timed(label: str, func, repeat: int = 1):
+    best, value = float("inf"), None
+    for _ in range(repeat):
+        start = time.perf_counter()
+        value = func()
+        best = min(best, time.perf_counter() - start)
+    print(f"  {label:<44} {best:8.2f} s", flush=True)
+    return best, value
+
+
+def main() -> None:
+    parser = argparse.ArgumentParser(description=__doc__.split("\n\n")[0])
+    parser.add_argument("--points", type=float, default=1e7)
+    parser.add_argument("--segments", type=float, default=1e5)
+    parser.add_argument("--partitions", type=int, default=20)
+    parser.add_argument("--skip-pandas", action="store_true", help="leave out the pandas groupby-apply")
+    args = parser.parse_args()
+    points, segments = int(args.points), int(args.segments)
+    print(f"load average {os.getloadavg()}, {os.cpu_count()} cores")
+    print(f"{points} points in {segments} segments, {args.partitions} partitions")
+    plane_frame = None
+    for shape in ("sphere", "plane"):
+        print(f"{shape}s:")
+        times = {}
+        for workers in (1, 2):
+            with qd.local_cluster(workers) as cluster, Client(cluster) as client:
+                frame = client.persist(cloud(points, segments, args.partitions, shape))
+                wait(frame)
+                times[workers], table = timed(
+                    f"quadrel.dask, {workers} worker process{'es' if workers > 1 else ''}",
+                    lambda: qd.fit_segments(frame, shape).compute(), repeat=2,
+                )
+                if shape == "plane" and workers == 2:
+                    timed("quadrel.dask.fit_plane, two passes, 2 workers", lambda: qd.fit_plane(frame))
+                local = frame.compute()
+        print(f"  {'speed-up of 2 workers over 1':<44} {times[1] / times[2]:8.2f} x")
+        xyz, labels = local[["x", "y", "z"]].to_numpy(), local["segment"].to_numpy()
+        timed("quadrel.fit_segments, this process, 1 thread", lambda: quadrel.fit_segments(xyz, labels, shape, threads=1))
+        if not args.skip_pandas:
+            fit = numpy_sphere if shape == "sphere" else numpy_plane
+            pandas_time, _ = timed("pandas groupby-apply with numpy fits",
+                                   lambda: local.groupby("segment")[["x", "y", "z"]].apply(fit))  # fmt: skip
+            print(f"  {'quadrel.dask (2 workers) over pandas':<44} {pandas_time / times[2]:8.2f} x")
+        assert len(table) == len(np.unique(labels))
+        if shape == "plane":
+            plane_frame = xyz
+    with dask.config.set(scheduler="sync"):
+        _, two_pass = timed("quadrel.dask.fit_plane, in this process", lambda: qd.fit_plane(plane_frame))
+    _, single = timed("quadrel.fit_plane, in this process", lambda: quadrel.fit_plane(plane_frame))
+    gap = min(np.linalg.norm(two_pass.normal - single.normal), np.linalg.norm(two_pass.normal + single.normal))
+    print(f"  normal of the two passes against quadrel.fit_plane: {gap:.2e}")
+    print(f"load average {os.getloadavg()}")
+
+
+if __name__ == "__main__":
+    main()
