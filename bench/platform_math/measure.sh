@@ -3,7 +3,7 @@
 # Windows (under Wine) differ from glibc's on x86-64 and from the correctly
 # rounded values (MPFR). Needs g++-multilib, g++-mingw-w64-x86-64, wine64,
 # qemu-user (where the kernel cannot run 32-bit programs) and libmpfr-dev.
-#   tests/platform_math/measure.sh [COUNT]
+#   bench/platform_math/measure.sh [COUNT]
 set -eu
 here=$(cd "$(dirname "$0")" && pwd)
 toolchains=$here/../../cmake/toolchains
