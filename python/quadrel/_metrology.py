@@ -259,8 +259,8 @@ def gaussian_fit_sphere(points: Any) -> GaussianSphere:
 
 
 def gaussian_fit_cylinder(points: Any) -> GaussianCylinder:
-    """Gaussian cylinder through points (n, 3), n >= 5, not collinear; each
-    principal direction of the scatter is tried as the starting axis."""
+    """Gaussian cylinder through points (n, 3), n >= 5, not collinear; the
+    start is the best of several trial axes across the scatter."""
     report, axis_point, direction, radius = _call("gaussian_fit_cylinder", 5, points)
     return _gaussian(GaussianCylinder, report, axis_point=_flat(axis_point),
                      direction=_flat(direction), radius=radius)  # fmt: skip

@@ -128,3 +128,26 @@ def test_bad_input():
     line = np.outer(np.arange(10.0), [1, 2, 3])
     assert quadrel.gaussian_fit_cylinder(line).status == Status.DEGENERATE
     assert quadrel.minimum_zone_flatness(line).status == Status.DEGENERATE
+
+
+METROLOGY = [name for name in quadrel._metrology.__all__ if name[0].islower()]
+
+
+def test_random_points_give_a_status_never_a_crash_or_a_hang():
+    hypothesis = pytest.importorskip("hypothesis")
+    from hypothesis import strategies as st
+    from hypothesis.extra import numpy as hnp
+
+    values = st.floats(allow_nan=True, allow_infinity=True, width=64) | st.integers(-3, 3).map(float)
+
+    @hypothesis.settings(max_examples=15, deadline=None)
+    @hypothesis.given(hnp.arrays(np.float64, st.tuples(st.integers(7, 30), st.just(3)), elements=values))
+    def check(points):
+        for name in METROLOGY:
+            result = getattr(quadrel, name)(points)
+            finite = np.isfinite(points).all()
+            assert (result.status == Status.NON_FINITE) == (not finite), name
+            if result.ok:
+                assert np.isfinite(result.rms if hasattr(result, "rms") else result.width), name
+
+    check()

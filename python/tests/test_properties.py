@@ -44,6 +44,7 @@ FUNCTIONS = {
     "line_point_dist": 3, "plane_point_dist": 3, "plane_line_dist": 4, "plane_plane_dist": 4,
     "line_point_int": 3, "plane_point_int": 3, "plane_line_int": 4, "plane_plane_int": 4,
 }  # fmt: skip
+FUNCTIONS.update({name: 1 for name in q._metrology.__all__ if name[0].islower()})
 
 
 @pytest.mark.parametrize("name", sorted(FUNCTIONS))
