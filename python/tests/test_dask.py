@@ -61,6 +61,9 @@ def test_segments_have_the_bits_of_one_call_on_any_partitioning(client, cloud):
         same_table(qd.fit_segments(frame, "sphere").compute(), points, labels, "sphere")
     table = qd.fit_segments(frame, "sphere").compute()
     assert set(table.loc[table.segment < 10, "status"]) == {1, 2}
+    # A partition in which nothing fits still has every column.
+    refused = quadrel.fit_segments(np.zeros((3, 3)), [4, 4, 4], "ellipse").columns
+    assert tuple(refused)[4:-2] == quadrel.shape_fields("ellipse") and np.isnan(refused["semi_minor"]).all()
     # One worker in this process, string keys, pandas input, other columns.
     words = np.array([f"s{k:03d}" for k in labels], dtype=object)
     frame = pd.DataFrame({"a": points[:, 0], "b": points[:, 1], "c": points[:, 2], "name": words})
