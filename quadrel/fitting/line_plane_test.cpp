@@ -33,14 +33,6 @@ TEST(LineFit, RecoversLineWithUnsignedResiduals) {
   EXPECT_TRUE(Near(residuals, CMatrix(h, 4, 1), 1e-12));
 }
 
-TEST(LineFit, CoincidentPointsGiveFixedDirectionAndZeroResiduals) {
-  CMatrix centroid, direction, residuals(7.0, 2, 2);
-  LineFit(CMatrix(-2.5, 3, 4), centroid, direction, residuals);
-  EXPECT_TRUE(SameBits(centroid, CMatrix(-2.5, 3, 1)));
-  EXPECT_TRUE(SameBits(direction, MakeCol({1, 0, 0})));
-  EXPECT_TRUE(SameBits(residuals, CMatrix(0.0, 4, 1)));
-}
-
 TEST(Fits, NonFiniteOrOverflowingPointsGiveEveryOutputItsShape) {
   // Eight points near an ellipse in a tilted plane, then one coordinate NaN or
   // infinite, or all scaled until the scatter overflows. No quadratic form
@@ -78,34 +70,17 @@ TEST(Fits, NonFiniteOrOverflowingPointsGiveEveryOutputItsShape) {
   }
 }
 
-TEST(PlaneFit, RecoversPlaneWithSignedResiduals) {
-  // Around (5, 4, 3) in the plane spanned by u and v, h above or below it along
-  // n = u x v; offsets and sides are balanced so that the plane does not tilt.
-  const double u[3] = {1.0 / 3, 2.0 / 3, 2.0 / 3}, v[3] = {2.0 / 3, 1.0 / 3, -2.0 / 3};
-  const CMatrix n = MakeCol({-2.0 / 3, 2.0 / 3, -1.0 / 3});
-  const double h = 0.1;
-  const double s[8][3] = {{2, 0, 1}, {-2, 0, 1},  {0, 3, -1},  {0, -3, -1},
-                          {1, 1, 1}, {-1, -1, 1}, {1, -1, -1}, {-1, 1, -1}};
-  CMatrix points(3, 8), centroid, normal, residuals;
-  for (int j = 0; j < 8; ++j)
-    for (int i = 0; i < 3; ++i)
-      points(i, j) = 5 - i + s[j][0] * u[i] + s[j][1] * v[i] + s[j][2] * h * n(i);
-  PlaneFit(points, centroid, normal, residuals);
-  EXPECT_TRUE(Near(centroid, MakeCol({5, 4, 3}), 1e-14));
-  // Positive on the side the returned normal points to, whichever sign it has.
-  const double side = Dot(normal, n);
-  EXPECT_NEAR(std::fabs(side), 1.0, 1e-14);
-  ASSERT_TRUE(residuals.GetRows() == 8 && residuals.GetCols() == 1);
-  for (int j = 0; j < 8; ++j)
-    EXPECT_NEAR(residuals(j), std::copysign(1.0, side) * s[j][2] * h, 1e-14) << "point " << j;
-}
-
-TEST(PlaneFit, CoincidentPointsTakeFirstSingularVector) {
-  CMatrix U, W, V, centroid, normal, residuals;
+TEST(Fits, CoincidentPointsGiveFixedAxesAndZeroResiduals) {
+  // The line takes the X axis, the plane column 0 of V of a zero scatter.
+  CMatrix U, W, V, centroid, axis, residuals(7.0, 2, 2);
   Svd(CMatrix(0.0, 3, 3), U, W, V);
-  PlaneFit(CMatrix(2.5, 3, 4), centroid, normal, residuals);
+  LineFit(CMatrix(-2.5, 3, 4), centroid, axis, residuals);
+  EXPECT_TRUE(SameBits(centroid, CMatrix(-2.5, 3, 1)));
+  EXPECT_TRUE(SameBits(axis, MakeCol({1, 0, 0})));
+  EXPECT_TRUE(SameBits(residuals, CMatrix(0.0, 4, 1)));
+  PlaneFit(CMatrix(2.5, 3, 4), centroid, axis, residuals);
   EXPECT_TRUE(SameBits(centroid, CMatrix(2.5, 3, 1)));
-  EXPECT_TRUE(SameBits(normal, MakeCol({V(0, 0), V(1, 0), V(2, 0)})));
+  EXPECT_TRUE(SameBits(axis, MakeCol({V(0, 0), V(1, 0), V(2, 0)})));
   EXPECT_TRUE(SameBits(residuals, CMatrix(0.0, 4, 1)));
 }
 
