@@ -70,14 +70,12 @@ TEST(PointFiles, EveryFormatGivesTheFitBitsOfTheTextFile) {
       {"targets-be.ply", WritePly(cloud, PlyEncoding::kBig, ScalarType::kFloat64)},
       {"targets-ascii.ply", WritePly(cloud, PlyEncoding::kAscii, ScalarType::kFloat64)},
       {"targets.pcd", WritePcd(cloud, PcdData::kCompressed, ScalarType::kFloat64)}};
-  const Json expected = Json::parse(RunTool({"sphere", "--json", text}).out);
+  const Json expected = ParseJson(RunTool({"sphere", "--json", text}));
   EXPECT_EQ(expected["points"], 35);
   EXPECT_FALSE(expected.contains("skipped_points"));
   for (const auto &[name, content] : files) {
     SCOPED_TRACE(name);
-    const ToolRun run = RunTool({"sphere", "--json", "-"}, WriteScratchFile(name, content));
-    ASSERT_EQ(run.status, 0) << run.err;
-    Json fit = Json::parse(run.out);
+    const Json fit = ParseJson(RunTool({"sphere", "--json", "-"}, WriteScratchFile(name, content)));
     EXPECT_EQ(fit["skipped_points"], 8);
     EXPECT_EQ(fit["centre"], expected["centre"]);  // the same doubles, as JSON writes them exactly
     EXPECT_EQ(fit["radius"], expected["radius"]);
@@ -185,11 +183,7 @@ TEST(PointFiles, BadFilesAndOptionsEndWithStatus2AndAMessage) {
     args.push_back(file);
     std::string message = c.message;
     if (message[0] == 'F') message.replace(0, 1, file);
-    SCOPED_TRACE(message);
-    const ToolRun run = RunTool(args);
-    EXPECT_EQ(run.status, 2);
-    EXPECT_EQ(run.out, "");
-    EXPECT_NE(run.err.find(message), std::string::npos) << run.err;
+    ExpectRefused(args, message);
   }
 }
 

@@ -11,6 +11,8 @@
 #include <iterator>
 #include <stdexcept>
 
+#include <gtest/gtest.h>
+
 extern char **environ;
 
 const std::string &ScratchDirectory() {
@@ -74,4 +76,19 @@ ToolRun RunTool(const std::vector<std::string> &args, const std::string &stdinPa
   run.out = ReadWholeFile(outPath);
   run.err = ReadWholeFile(errPath);
   return run;
+}
+
+nlohmann::json ParseJson(const ToolRun &run) {
+  EXPECT_EQ(run.status, 0) << run.err;
+  nlohmann::json parsed = nlohmann::json::parse(run.out, nullptr, false);
+  EXPECT_FALSE(parsed.is_discarded()) << run.out << run.err;
+  return parsed;
+}
+
+void ExpectRefused(const std::vector<std::string> &args, const std::string &message) {
+  const ToolRun run = RunTool(args);
+  EXPECT_EQ(run.status, 2) << run.err;
+  EXPECT_EQ(run.out, "");
+  EXPECT_EQ(run.err.rfind("quadrel-fit: ", 0), 0u) << run.err;
+  EXPECT_NE(run.err.find(message), std::string::npos) << run.err;
 }
