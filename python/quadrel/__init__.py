@@ -214,8 +214,10 @@ def fit_segments(points: Any, labels: Any, shape: str, *, threads: Optional[int]
     command-line tool screens its input: too few points or degenerate data
     give the row a status and a reason and NaN numbers, never an exception for
     the whole call. The columns are label, points, status, reason,
-    shape_fields(shape), rms and max_residual. threads (default: every core
-    this process may use) fit segments in parallel with the GIL released.
+    shape_fields(shape), rms and max_residual (the summary quadrel-fit prints:
+    rms squares the residuals, so residuals beyond about 1e154 give inf).
+    threads (default: every core this process may use) fit segments in
+    parallel with the GIL released.
     """
     name = "fit_segments"
     p = _args.points(name, points, 0)

@@ -14,6 +14,7 @@
 
 #include "bindings.h"
 #include "convert.h"
+#include "quadrel/frontend/report.h"
 #include "quadrel/frontend/shape_fit.h"
 #include "quadrel/io/point_set.h"
 
@@ -58,14 +59,11 @@ SegmentResult FitSegment(const quadrel_frontend::ShapeEntry &shape,
   if (!fit.outcome.ok()) return result;
   for (const auto &field : fit.fields)
     result.values.insert(result.values.end(), field.values.begin(), field.values.end());
-  // Sums from 0.0 in the order of the points.
-  double squares = 0.0, largest = 0.0;
-  for (double r : fit.residuals) {
-    squares += r * r;
-    largest = std::max(largest, std::fabs(r));
-  }
-  result.rms = std::sqrt(squares / static_cast<double>(fit.residuals.size()));
-  result.largest = largest;
+  // The summary that quadrel-fit reports, with the same bits.
+  const quadrel_frontend::ResidualSummary summary =
+      quadrel_frontend::SummarizeResiduals(fit.residuals);
+  result.rms = summary.rms;
+  result.largest = summary.maxAbs;
   return result;
 }
 

@@ -75,4 +75,5 @@ def test_random_segments_never_raise_for_data(points, segments):
         result = q.fit_segments(points, labels, shape, threads=2)
         assert len(result) == len(np.unique(labels))
         ok = result["status"] == q.SegmentStatus.OK
-        assert np.isfinite(result["rms"][ok]).all() and np.isnan(result["rms"][~ok]).all()
+        # The rms squares the residuals: beyond about 1e154 it is inf, never NaN.
+        assert (result["rms"][ok] >= 0).all() and np.isnan(result["rms"][~ok]).all()
