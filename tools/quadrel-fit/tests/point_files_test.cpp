@@ -137,40 +137,23 @@ TEST(Segments, OneRowPerSegmentInTextJsonLinesAndCsvWithStatus3) {
 }
 
 TEST(PointFiles, BadFilesAndOptionsEndWithStatus2AndAMessage) {
+  // A binary file the readers refuse, a segment column that is not there, and
+  // options that do not go together; the readers' own tests hold the rest.
   const SampleCloud cloud = Targets(false);
   const std::string ply = WritePly(cloud, PlyEncoding::kLittle, ScalarType::kFloat32);
   const double unit[3] = {1, 1, 1}, zero[3] = {0, 0, 0};
   std::string laz = WriteLas(cloud, 1, 2, unit, zero);
   laz[104] = static_cast<char>(0x81);
-  SampleCloud dark = cloud;
-  dark.z.assign(dark.size(), std::numeric_limits<double>::quiet_NaN());
-  SampleCloud nanLabel = cloud;
-  nanLabel.columns[0].type = ScalarType::kFloat32;
-  nanLabel.columns[0].values[5] = std::numeric_limits<double>::quiet_NaN();
   const struct {
     std::vector<std::string> args;
     std::string content, message;
   } cases[] = {
-      {{"plane"}, ply.substr(0, ply.size() - 40), "F: at byte "},
       {{"plane"}, laz, "F is a LAZ file (compressed LAS), which is not read here; decompress"},
-      {{"plane"},
-       std::string("\x7f"
-                   "ELF\x02\x01\x01\0",
-                   8),
-       "F: the format is not recognized: the content is binary (it starts with "
-       "'\\x7fELF\\x02\\x01\\x01\\x00')"},
-      {{"plane"},
-       WritePcd(dark, PcdData::kBinary, ScalarType::kFloat32),
-       "F holds no point with finite x, y and z: all 43 records are points without a return"},
       {{"plane", "--segment-by", "class"},
        ply,
        "F has no column 'class' to segment by; its columns besides x, y and z are: label"},
-      {{"plane", "--segment-by", "label"},
-       WritePly(nanLabel, PlyEncoding::kBig, ScalarType::kFloat64),
-       "F: the label of point 6 is not a finite number"},
       {{"plane", "--json", "--csv"}, ply, "--json and --csv exclude each other"},
       {{"plane", "--segment-by", "label", "--residuals"}, ply, "--segment-by takes neither"},
-      {{"plane"}, "x;y;z\n1,5;2;3\n4;5\n", "F:3: expected 3 numbers (x y z), found 2"},
   };
   int count = 0;
   for (const auto &c : cases) {
