@@ -1,6 +1,5 @@
 #include "quadrel/frontend/checks.h"
 
-#include <algorithm>
 #include <cmath>
 
 #include <quadrel/quadrel.h>
@@ -17,11 +16,22 @@ void SortedSingularValues(const CMatrix &symmetric, double *values, Vec3 *axes) 
   CMatrix v;
   Svd(symmetric, u, w, v);
   const int n = symmetric.GetRows();
+  // Largest first, by the insertion sort that std::sort runs on so few
+  // elements (the same order also for ties and NaN), written out because some
+  // compilers warn falsely on std::sort's branch for long arrays.
+  const auto larger = [&w](int a, int b) { return std::fabs(w(a, a)) > std::fabs(w(b, b)); };
   int order[8];
-  for (int k = 0; k < n; ++k)
-    order[k] = k;
-  std::sort(order, order + n,
-            [&w](int a, int b) { return std::fabs(w(a, a)) > std::fabs(w(b, b)); });
+  for (int k = 0; k < n; ++k) {
+    int j = k;
+    if (k > 0 && larger(k, order[0])) {
+      for (; j > 0; --j)
+        order[j] = order[j - 1];
+    } else {
+      for (; j > 0 && larger(k, order[j - 1]); --j)
+        order[j] = order[j - 1];
+    }
+    order[j] = k;
+  }
   for (int k = 0; k < n; ++k) {
     values[k] = std::fabs(w(order[k], order[k]));
     if (axes != nullptr) axes[k] = {v(0, order[k]), v(1, order[k]), v(2, order[k])};
