@@ -117,7 +117,7 @@ TEST(IdealTrihedralFit, ShortSetsAndDegenerateInputGiveTheirCodeAndZeros) {
   EXPECT_NE(IdealTrihedralFit(kOnX, kOnY, kOnZ, result, std::nextafter(2.0 * kPi / 3.0, 0.0)), 5);
 }
 
-TEST(IdealTrihedralFit, RecoversPoseWithAndWithoutNoise) {
+TEST(IdealTrihedralFit, RecoversPoseWithAndWithoutNoiseOrStopsAtTheStepLimit) {
   const CMatrix angles = MakeCol({0.4, -0.7, 2.0});
   for (double edgeAngle : {kPi / 3, 1.2, kPi / 2, 1.9}) {
     const Trihedral trihedral(edgeAngle, angles, 10.0);
@@ -134,17 +134,12 @@ TEST(IdealTrihedralFit, RecoversPoseWithAndWithoutNoise) {
   EXPECT_NEAR(result(0, 2), sigma, 0.15 * sigma);
   EXPECT_TRUE(Near(Col(result, 0), trihedral.apex, 5 * sigma));
   EXPECT_TRUE(Near(Col(result, 1), angles, 5 * sigma));
-}
-
-TEST(IdealTrihedralFit, StopsAfterStepLimitWhenStepsStayAboveTolerance) {
-  // The tolerance is absolute. Near 1e11 doubles lie some 1e-5 apart, so every
-  // step tries to move the apex further than 1e-7.
-  const CMatrix angles = MakeCol({0.4, -0.7, 2.0});
-  const Trihedral trihedral(kPi / 3, angles, 1e11);
-  CMatrix result;
-  EXPECT_EQ(trihedral.Fit(kPi / 3, 0.0, result), 4);
+  // The step tolerance is absolute. Near 1e11 doubles lie some 1e-5 apart, so
+  // every step tries to move the apex further than 1e-7 until the step limit.
+  const Trihedral far(kPi / 3, angles, 1e11);
+  EXPECT_EQ(far.Fit(kPi / 3, 0.0, result), 4);
   EXPECT_GT(result(1, 2), 1e-7);
-  EXPECT_TRUE(Near(Col(result, 0), trihedral.apex, 1e-3));
+  EXPECT_TRUE(Near(Col(result, 0), far.apex, 1e-3));
   EXPECT_TRUE(Near(Col(result, 1), angles, 1e-4));
 }
 
