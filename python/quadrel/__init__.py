@@ -5,6 +5,10 @@ trihedral fit, the quality peak, linear algebra (SVD, least squares, LU,
 determinant, inverse, polynomials) and 3-D geometry (spherical coordinates,
 rotations, frame transforms, distances, intersections), computed by the C++
 library libquadrel: the same binary, and so the same bits, that C++ callers get.
+Also: ``fit_segments`` (every labelled segment of a cloud, on every core),
+``read_points`` (text, PLY, PCD and LAS files), the metrology functions
+(``gaussian_fit_*``, ``minimum_zone_*``, circumscribed and inscribed circles
+and spheres) and, when Dask is installed, ``quadrel.dask`` for clusters.
 
 Conventions
 -----------
