@@ -26,7 +26,9 @@ bool TextScan::NextLine(std::string_view &line) {
   }
   line = content_.substr(position_, stop - position_);
   if (!line.empty() && line.back() == '\r') line.remove_suffix(1);
-  position_ = stop + 1;
+  // Past the newline, or at the end when the last line has none: never
+  // beyond the content, which callers take as where the next bytes start.
+  position_ = stop < content_.size() ? stop + 1 : stop;
   return true;
 }
 
