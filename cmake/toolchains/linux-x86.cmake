@@ -7,9 +7,7 @@ set(CMAKE_SYSTEM_PROCESSOR i686)
 set(CMAKE_C_COMPILER gcc)
 set(CMAKE_CXX_COMPILER g++)
 set(CMAKE_C_FLAGS_INIT -m32)
-# g++ 12 warns falsely of out-of-bounds access in std::sort inlined on small
-# arrays when it targets 32-bit x86 (array-bounds): kept as a warning here.
-set(CMAKE_CXX_FLAGS_INIT "-m32 -Wno-error=array-bounds")
+set(CMAKE_CXX_FLAGS_INIT -m32)
 set(CMAKE_EXE_LINKER_FLAGS_INIT -m32)
 set(CMAKE_SHARED_LINKER_FLAGS_INIT -m32)
 set(CMAKE_MODULE_LINKER_FLAGS_INIT -m32)
