@@ -35,7 +35,8 @@ inside() {
   # The shared libraries live in libquadrel0 alone; -dev has only their link names.
   local runtime_files library
   runtime_files="$(dpkg-deb --fsys-tarfile debs/libquadrel0_*.deb | tar -t)"
-  for library in libquadrel.so.0 libquadrel_platform.so.0 libquadrel_metrology.so.0; do
+  for library in libquadrel.so.0 libquadrel_platform.so.0 libquadrel_metrology.so.0 \
+    libquadrel_robust.so.0; do
     grep -q "/$library\$" <<< "$runtime_files" || fail "libquadrel0 does not hold $library"
   done
   if dpkg-deb --fsys-tarfile debs/libquadrel-dev_*.deb | tar -t | grep '\.so\.'; then

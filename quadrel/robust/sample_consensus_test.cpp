@@ -1,0 +1,354 @@
+// Sample consensus on generated clouds: every shape found among outliers, as
+// accurate as a least-squares fit of the true inliers, the same bits for any
+// number of threads, and a status for every kind of bad input.
+#include "quadrel/robust/sample_consensus.h"
+
+#include <cmath>
+#include <cstring>
+#include <limits>
+#include <random>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "quadrel/robust/internal/consensus_models.h"
+
+namespace {
+
+constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
+constexpr double kInf = std::numeric_limits<double>::infinity();
+constexpr double kNoise = 0.01;
+constexpr double kThreshold = 0.03;
+
+const char *Name(ConsensusShape shape) {
+  static const char *const names[] = {"line", "plane", "circle", "sphere", "cylinder"};
+  return names[static_cast<int>(shape)];
+}
+
+// A cloud with a known model: inliers on the shape with Gaussian noise in every
+// coordinate, then outliers uniform in the cube [-1.5, 1.5]^3 around it.
+struct Cloud {
+  std::vector<double> x, y, z;
+  std::vector<bool> inlier;
+  Hypothesis truth;
+  void Add(double px, double py, double pz, bool in) {
+    x.push_back(px);
+    y.push_back(py);
+    z.push_back(pz);
+    inlier.push_back(in);
+  }
+  CMatrix Points() const {
+    const int n = static_cast<int>(x.size());
+    const double *rows[3] = {x.data(), y.data(), z.data()};
+    return CMatrix(rows, 3, n);
+  }
+  PointColumns Columns() const {
+    return {x.data(), y.data(), z.data(), static_cast<std::int64_t>(x.size())};
+  }
+};
+
+// Random unit vector u and two unit vectors e1, e2 across it.
+void Frame(std::mt19937_64 &rng, double *u, double *e1, double *e2) {
+  std::normal_distribution<double> g;
+  double n = 0.0;
+  for (int k = 0; k < 3; ++k) {
+    u[k] = g(rng);
+    n += u[k] * u[k];
+  }
+  for (int k = 0; k < 3; ++k)
+    u[k] /= std::sqrt(n);
+  const double a[3] = {std::fabs(u[0]) < 0.9 ? 1.0 : 0.0, std::fabs(u[0]) < 0.9 ? 0.0 : 1.0, 0.0};
+  e1[0] = u[1] * a[2] - u[2] * a[1];
+  e1[1] = u[2] * a[0] - u[0] * a[2];
+  e1[2] = u[0] * a[1] - u[1] * a[0];
+  const double l = std::sqrt(e1[0] * e1[0] + e1[1] * e1[1] + e1[2] * e1[2]);
+  for (int k = 0; k < 3; ++k)
+    e1[k] /= l;
+  e2[0] = u[1] * e1[2] - u[2] * e1[1];
+  e2[1] = u[2] * e1[0] - u[0] * e1[2];
+  e2[2] = u[0] * e1[1] - u[1] * e1[0];
+}
+
+// A point of the true shape for parameters a, b in [-1, 1] (noise-free).
+void OnShape(ConsensusShape shape, const Hypothesis &h, const double *e1, const double *e2,
+             double a, double b, double *out) {
+  const double pi = 3.141592653589793;
+  for (int k = 0; k < 3; ++k) {
+    switch (shape) {
+      case ConsensusShape::kLine:
+        out[k] = h.p[k] + a * h.u[k];
+        break;
+      case ConsensusShape::kPlane:
+        out[k] = h.p[k] + a * e1[k] + b * e2[k];
+        break;
+      case ConsensusShape::kCircle:
+        out[k] = h.p[k] + h.r * (std::cos(pi * a) * e1[k] + std::sin(pi * a) * e2[k]);
+        break;
+      case ConsensusShape::kSphere: {
+        const double c = b, s = std::sqrt(1.0 - b * b);
+        out[k] = h.p[k] +
+                 h.r * (s * std::cos(pi * a) * e1[k] + s * std::sin(pi * a) * e2[k] + c * h.u[k]);
+        break;
+      }
+      case ConsensusShape::kCylinder:
+        out[k] = h.p[k] + b * h.u[k] + h.r * (std::cos(pi * a) * e1[k] + std::sin(pi * a) * e2[k]);
+        break;
+    }
+  }
+}
+
+Cloud MakeCloud(ConsensusShape shape, int n, double outlierFraction, std::uint64_t seed,
+                double *e1 = nullptr, double *e2 = nullptr) {
+  std::mt19937_64 rng(seed * 7919 + static_cast<std::uint64_t>(shape));
+  std::uniform_real_distribution<double> unit(-1.0, 1.0);
+  std::normal_distribution<double> noise(0.0, kNoise);
+  Cloud c;
+  double f1[3], f2[3];
+  Frame(rng, c.truth.u, f1, f2);
+  for (int k = 0; k < 3; ++k)
+    c.truth.p[k] = 0.2 * unit(rng);
+  c.truth.r = 0.5 + 0.3 * (unit(rng) + 1.0);
+  const int outliers = static_cast<int>(outlierFraction * n);
+  for (int i = 0; i < n - outliers; ++i) {
+    double q[3] = {0.0, 0.0, 0.0};
+    OnShape(shape, c.truth, f1, f2, unit(rng), unit(rng), q);
+    c.Add(q[0] + noise(rng), q[1] + noise(rng), q[2] + noise(rng), true);
+  }
+  for (int i = 0; i < outliers; ++i)
+    c.Add(1.5 * unit(rng), 1.5 * unit(rng), 1.5 * unit(rng), false);
+  if (e1 != nullptr) std::memcpy(e1, f1, sizeof f1);
+  if (e2 != nullptr) std::memcpy(e2, f2, sizeof f2);
+  return c;
+}
+
+Hypothesis FromModel(const ConsensusModel &m) {
+  Hypothesis h;
+  for (int k = 0; k < 3; ++k)
+    h.p[k] = m.point(k, 0);
+  if (m.direction.GetRows() == 3)
+    for (int k = 0; k < 3; ++k)
+      h.u[k] = m.direction(k, 0);
+  h.r = m.radius;
+  return h;
+}
+
+// The error of a model: the rms distance from it of noise-free points spread
+// over the true shape. It measures position, orientation and radius at once.
+double ModelError(ConsensusShape shape, const Cloud &c, const double *e1, const double *e2,
+                  const Hypothesis &model) {
+  double sum = 0.0;
+  int count = 0;
+  for (double a = -0.9; a < 1.0; a += 0.2) {
+    for (double b = -0.9; b < 1.0; b += 0.2) {
+      double q[3] = {0.0, 0.0, 0.0};
+      OnShape(shape, c.truth, e1, e2, a, b, q);
+      sum += SquaredDistance(shape, model, q[0], q[1], q[2]);
+      ++count;
+    }
+  }
+  return std::sqrt(sum / count);
+}
+
+std::uint64_t Bits(double v) {
+  std::uint64_t b;
+  std::memcpy(&b, &v, sizeof b);
+  return b;
+}
+
+void ExpectSameBits(const ConsensusResult &a, const ConsensusResult &b, const char *what) {
+  EXPECT_EQ(a.status, b.status) << what;
+  EXPECT_EQ(a.inliers, b.inliers) << what;
+  EXPECT_EQ(a.iterations, b.iterations) << what;
+  EXPECT_EQ(Bits(a.rms), Bits(b.rms)) << what;
+  EXPECT_EQ(Bits(a.model.radius), Bits(b.model.radius)) << what;
+  for (int k = 0; k < 3; ++k) {
+    EXPECT_EQ(Bits(a.model.point(k, 0)), Bits(b.model.point(k, 0))) << what;
+    if (a.model.direction.GetRows() == 3) {
+      EXPECT_EQ(Bits(a.model.direction(k, 0)), Bits(b.model.direction(k, 0))) << what;
+    }
+  }
+}
+
+TEST(SampleConsensus, FindsEveryShapeAmongOutliersAsWellAsLeastSquaresOfTheTrueInliers) {
+  for (ConsensusShape shape :
+       {ConsensusShape::kLine, ConsensusShape::kPlane, ConsensusShape::kCircle,
+        ConsensusShape::kSphere, ConsensusShape::kCylinder}) {
+    for (double outliers : {0.1, 0.4, 0.7}) {
+      const int seeds = 100;
+      double ours = 0.0, reference = 0.0;
+      for (int seed = 0; seed < seeds; ++seed) {
+        double e1[3], e2[3];
+        const Cloud c = MakeCloud(shape, 500, outliers, static_cast<std::uint64_t>(seed), e1, e2);
+        ConsensusOptions o;
+        o.inlierThreshold = kThreshold;
+        o.seed = static_cast<std::uint64_t>(seed);
+        const ConsensusResult r = FindConsensus(shape, c.Points(), o);
+        ASSERT_EQ(r.status, ConsensusStatus::kFound)
+            << Name(shape) << " " << outliers << " " << seed;
+        std::vector<std::int64_t> trueInliers;
+        for (std::size_t i = 0; i < c.inlier.size(); ++i) {
+          if (c.inlier[i]) trueInliers.push_back(static_cast<std::int64_t>(i));
+        }
+        Hypothesis fit = c.truth;
+        ASSERT_TRUE(RefitInliers(shape, c.Columns(), trueInliers, fit));
+        const double error = ModelError(shape, c, e1, e2, FromModel(r.model));
+        const double best = ModelError(shape, c, e1, e2, fit);
+        // Found: the model lies within the noise of the truth, and holds most
+        // of the true inliers.
+        ASSERT_LT(error, kNoise) << Name(shape) << " " << outliers << " " << seed;
+        ASSERT_GT(r.inlierCount, 0.9 * static_cast<double>(trueInliers.size()));
+        EXPECT_LE(r.rms, kThreshold);
+        ours += error * error;
+        reference += best * best;
+      }
+      EXPECT_LE(std::sqrt(ours / seeds), 1.5 * std::sqrt(reference / seeds))
+          << Name(shape) << " with " << outliers << " outliers";
+    }
+  }
+}
+
+TEST(SampleConsensus, GivesTheSameBitsForAnyNumberOfThreads) {
+  // Large enough for many scoring blocks and for the preview of hypotheses.
+  for (ConsensusShape shape : {ConsensusShape::kPlane, ConsensusShape::kSphere}) {
+    const Cloud c = MakeCloud(shape, 60000, 0.5, 3);
+    const CMatrix points = c.Points();
+    ConsensusOptions o;
+    o.inlierThreshold = kThreshold;
+    o.seed = 11;
+    o.threads = 1;
+    const ConsensusResult one = FindConsensus(shape, points, o);
+    ASSERT_EQ(one.status, ConsensusStatus::kFound);
+    for (int threads : {2, 3}) {
+      o.threads = threads;
+      ExpectSameBits(one, FindConsensus(shape, points, o), Name(shape));
+    }
+  }
+}
+
+TEST(SampleConsensus, RefusesBadInputWithAStatus) {
+  const Cloud c = MakeCloud(ConsensusShape::kPlane, 50, 0.1, 1);
+  const CMatrix points = c.Points();
+  const ConsensusStatus bad = ConsensusStatus::kBadArgument;
+  ConsensusOptions good;
+  good.inlierThreshold = kThreshold;
+  for (double t : {0.0, -1.0, kNaN, kInf}) {
+    ConsensusOptions o = good;
+    o.inlierThreshold = t;
+    const ConsensusResult r = FindConsensus(ConsensusShape::kPlane, points, o);
+    EXPECT_EQ(r.status, bad) << t;
+    EXPECT_TRUE(std::isnan(r.model.point(0, 0)) && r.inliers.empty());
+  }
+  for (double p : {0.0, 1.0, kNaN}) {
+    ConsensusOptions o = good;
+    o.confidence = p;
+    EXPECT_EQ(FindConsensus(ConsensusShape::kPlane, points, o).status, bad) << p;
+  }
+  ConsensusOptions o = good;
+  o.maxIterations = 0;
+  EXPECT_EQ(FindConsensus(ConsensusShape::kPlane, points, o).status, bad);
+  o = good;
+  o.threads = -1;
+  EXPECT_EQ(FindConsensus(ConsensusShape::kPlane, points, o).status, bad);
+  EXPECT_EQ(FindConsensus(ConsensusShape::kPlane, CMatrix(0.0, 2, 10), good).status, bad);
+  EXPECT_EQ(FindConsensus(static_cast<ConsensusShape>(9), points, good).status, bad);
+  CMatrix holed = points;
+  holed(1, 7) = kNaN;
+  EXPECT_EQ(FindConsensus(ConsensusShape::kPlane, holed, good).status, bad);
+  EXPECT_EQ(ExtractConsensus(ConsensusShape::kPlane, holed, good, 2).status, bad);
+  EXPECT_EQ(ExtractConsensus(ConsensusShape::kPlane, points, good, 0).status, bad);
+  EXPECT_EQ(FindConsensus(ConsensusShape::kSphere, CMatrix(0.0, 3, 3), good).status,
+            ConsensusStatus::kTooFewPoints);
+  const ConsensusExtraction few =
+      ExtractConsensus(ConsensusShape::kLine, CMatrix(0.0, 3, 1), good, 3);
+  EXPECT_EQ(few.status, ConsensusStatus::kTooFewPoints);
+  EXPECT_EQ(few.labels, std::vector<std::int64_t>{-1});
+  // A model is found but holds fewer inliers than asked for.
+  o = good;
+  o.minInliers = 1000;
+  const ConsensusResult thin = FindConsensus(ConsensusShape::kPlane, points, o);
+  EXPECT_EQ(thin.status, ConsensusStatus::kTooFewInliers);
+  EXPECT_GE(thin.inlierCount, 40);
+  EXPECT_FALSE(std::isnan(thin.model.point(0, 0)));
+}
+
+TEST(SampleConsensus, StopsOnCloudsWhoseEverySampleIsDegenerate) {
+  ConsensusOptions o;
+  o.inlierThreshold = kThreshold;
+  const CMatrix same(0.25, 3, 200);
+  for (ConsensusShape shape :
+       {ConsensusShape::kLine, ConsensusShape::kPlane, ConsensusShape::kCircle,
+        ConsensusShape::kSphere, ConsensusShape::kCylinder}) {
+    const ConsensusResult r = FindConsensus(shape, same, o);
+    EXPECT_EQ(r.status, ConsensusStatus::kDegenerateSamples) << Name(shape);
+    EXPECT_GE(r.iterations, 1);
+    EXPECT_LE(r.iterations, 1000) << Name(shape);
+  }
+  // Collinear points for a plane and a circle, coplanar ones for a sphere;
+  // the cap on iterations holds as well.
+  CMatrix line(3, 300), flat(3, 300);
+  for (int i = 0; i < 300; ++i) {
+    const double t = 0.01 * i - 1.0, s = std::sin(0.37 * i);
+    line(0, i) = 1.0 + 0.3 * t;
+    line(1, i) = -2.0 + 0.7 * t;
+    line(2, i) = 0.5 - 0.2 * t;
+    flat(0, i) = t + 0.5 * s;
+    flat(1, i) = s;
+    flat(2, i) = 0.3 * t - 0.2 * s;
+  }
+  EXPECT_EQ(FindConsensus(ConsensusShape::kPlane, line, o).status,
+            ConsensusStatus::kDegenerateSamples);
+  EXPECT_EQ(FindConsensus(ConsensusShape::kCircle, line, o).status,
+            ConsensusStatus::kDegenerateSamples);
+  o.maxIterations = 17;
+  const ConsensusResult r = FindConsensus(ConsensusShape::kSphere, flat, o);
+  EXPECT_EQ(r.status, ConsensusStatus::kDegenerateSamples);
+  EXPECT_EQ(r.iterations, 17);
+}
+
+TEST(ExtractConsensus, LabelsTwoPlanesAndLeavesTheRestUnlabelled) {
+  // The plane z = 0, the plane x = 3, a sphere around (0, 0, 3) and outliers.
+  std::mt19937_64 rng(5);
+  std::uniform_real_distribution<double> unit(-1.0, 1.0);
+  std::normal_distribution<double> noise(0.0, kNoise);
+  Cloud c;
+  std::vector<std::int64_t> truth;
+  for (int i = 0; i < 600; ++i, truth.push_back(0))
+    c.Add(unit(rng), unit(rng), noise(rng), true);
+  for (int i = 0; i < 400; ++i, truth.push_back(1))
+    c.Add(3.0 + noise(rng), unit(rng), unit(rng), true);
+  for (int i = 0; i < 800; ++i, truth.push_back(-1)) {
+    double d[3], l = 0.0;
+    for (double &v : d) {
+      v = unit(rng);
+      l += v * v;
+    }
+    l = std::sqrt(l);
+    c.Add(0.5 * d[0] / l + noise(rng), 0.5 * d[1] / l + noise(rng), 3.0 + 0.5 * d[2] / l, true);
+  }
+  for (int i = 0; i < 200; ++i, truth.push_back(-1))
+    c.Add(1.5 + 3.0 * unit(rng), 1.5 * unit(rng), 1.5 + 2.5 * unit(rng), false);
+  ConsensusOptions o;
+  o.inlierThreshold = kThreshold;
+  o.minInliers = 100;
+  const CMatrix points = c.Points();
+  const ConsensusExtraction ex = ExtractConsensus(ConsensusShape::kPlane, points, o, 4);
+  ASSERT_EQ(ex.status, ConsensusStatus::kFound);
+  ASSERT_EQ(ex.models.size(), 2u);
+  ASSERT_EQ(ex.labels.size(), c.x.size());
+  ExpectSameBits(ex.models[0], FindConsensus(ConsensusShape::kPlane, points, o), "first model");
+  std::size_t agree = 0;
+  for (std::size_t i = 0; i < truth.size(); ++i)
+    agree += ex.labels[i] == truth[i] ? 1 : 0;
+  EXPECT_GT(agree, truth.size() * 98 / 100);
+  for (std::size_t m = 0; m < 2; ++m) {
+    for (std::int64_t i : ex.models[m].inliers) {
+      EXPECT_EQ(ex.labels[static_cast<std::size_t>(i)], static_cast<std::int64_t>(m));
+    }
+  }
+  const ConsensusResult sphere = FindConsensus(ConsensusShape::kSphere, points, o);
+  ASSERT_EQ(sphere.status, ConsensusStatus::kFound);
+  EXPECT_NEAR(sphere.model.point(2, 0), 3.0, 0.01);
+  EXPECT_NEAR(sphere.model.radius, 0.5, 0.01);
+}
+
+}  // namespace
