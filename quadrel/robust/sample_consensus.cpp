@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <memory>
 #include <thread>
 
 #include "quadrel/robust/internal/consensus_search.h"
@@ -14,46 +15,50 @@ namespace {
 // layout the scoring loops stream through.
 class CloudCopy {
  public:
-  explicit CloudCopy(const CMatrix &points) {
-    const std::size_t n = static_cast<std::size_t>(points.GetCols());
-    m_values.resize(3 * n);
-    if (n == 0) return;
-    double **rows = points.GetBuffer2D();
-    for (int i = 0; i < 3; ++i) {
-      std::copy(rows[i], rows[i] + n, m_values.begin() + static_cast<std::ptrdiff_t>(i * n));
-      ::operator delete(rows[i]);
-    }
-    ::operator delete(rows);
+  // The rows of points, a 3 x n matrix, as GetBuffer2D gives them.
+  explicit CloudCopy(const CMatrix &points) : m_n(points.GetCols()) {
+    if (m_n > 0) m_rows = points.GetBuffer2D();
   }
-  // The points left when the marked ones are taken out, with the original
-  // column number of each kept point in kept.
+  // The points of cloud left when the marked ones are taken out, with the
+  // original column number of each kept point in kept.
   CloudCopy(const PointColumns &cloud, const std::vector<bool> &taken,
             const std::vector<std::int64_t> &originals, std::vector<std::int64_t> &kept) {
     kept.clear();
-    std::vector<std::int64_t> rest;
     for (std::int64_t i = 0; i < cloud.n; ++i)
-      if (!taken[static_cast<std::size_t>(i)]) rest.push_back(i);
-    const std::size_t n = rest.size();
-    m_values.resize(3 * n);
-    for (std::size_t k = 0; k < n; ++k) {
-      m_values[k] = cloud.x[rest[k]];
-      m_values[n + k] = cloud.y[rest[k]];
-      m_values[2 * n + k] = cloud.z[rest[k]];
-      kept.push_back(originals[static_cast<std::size_t>(rest[k])]);
+      if (!taken[static_cast<std::size_t>(i)]) kept.push_back(i);
+    m_n = static_cast<std::int64_t>(kept.size());
+    m_values.resize(3 * kept.size());
+    for (std::size_t k = 0; k < kept.size(); ++k) {
+      const std::int64_t i = kept[k];
+      m_values[k] = cloud.x[i];
+      m_values[kept.size() + k] = cloud.y[i];
+      m_values[2 * kept.size() + k] = cloud.z[i];
+      kept[k] = originals[static_cast<std::size_t>(i)];
     }
   }
+  CloudCopy(const CloudCopy &) = delete;
+  CloudCopy &operator=(const CloudCopy &) = delete;
+  ~CloudCopy() {
+    if (m_rows == nullptr) return;
+    for (int i = 0; i < 3; ++i)
+      ::operator delete(m_rows[i]);
+    ::operator delete(m_rows);
+  }
   PointColumns Columns() const {
-    const std::size_t n = m_values.size() / 3;
-    return {m_values.data(), m_values.data() + n, m_values.data() + 2 * n,
-            static_cast<std::int64_t>(n)};
+    if (m_rows != nullptr) return {m_rows[0], m_rows[1], m_rows[2], m_n};
+    const double *v = m_values.data();
+    return {v, v + m_n, v + 2 * m_n, m_n};
   }
   bool AllFinite() const {
-    for (double v : m_values)
-      if (!std::isfinite(v)) return false;
+    const PointColumns c = Columns();
+    for (std::int64_t i = 0; i < c.n; ++i)
+      if (!std::isfinite(c.x[i]) || !std::isfinite(c.y[i]) || !std::isfinite(c.z[i])) return false;
     return true;
   }
 
  private:
+  std::int64_t m_n = 0;
+  double **m_rows = nullptr;
   std::vector<double> m_values;
 };
 
@@ -139,8 +144,8 @@ ConsensusExtraction ExtractConsensus(ConsensusShape shape, const CMatrix &points
                                      const ConsensusOptions &options, int maxModels) {
   ConsensusExtraction ex;
   if (!ArgumentsValid(shape, points, options) || maxModels < 1) return ex;
-  CloudCopy current(points);
-  if (!current.AllFinite()) return ex;
+  auto current = std::make_unique<CloudCopy>(points);
+  if (!current->AllFinite()) return ex;
   const std::int64_t n = points.GetCols();
   ex.labels.assign(static_cast<std::size_t>(n), -1);
 
@@ -149,7 +154,7 @@ ConsensusExtraction ExtractConsensus(ConsensusShape shape, const CMatrix &points
   for (std::int64_t i = 0; i < n; ++i)
     originals[static_cast<std::size_t>(i)] = i;
   for (int k = 0; k < maxModels; ++k) {
-    const PointColumns cloud = current.Columns();
+    const PointColumns cloud = current->Columns();
     ConsensusResult r = cloud.n < SampleSize(shape)
                             ? Failed(shape, ConsensusStatus::kTooFewPoints, 0)
                             : ResultOf(shape, SearchConsensus(shape, cloud, options,
@@ -166,8 +171,7 @@ ConsensusExtraction ExtractConsensus(ConsensusShape shape, const CMatrix &points
     }
     ex.models.push_back(std::move(r));
     std::vector<std::int64_t> kept;
-    CloudCopy rest(cloud, taken, originals, kept);
-    current = std::move(rest);
+    current = std::make_unique<CloudCopy>(cloud, taken, originals, kept);
     originals.swap(kept);
   }
   if (!ex.models.empty()) ex.status = ConsensusStatus::kFound;

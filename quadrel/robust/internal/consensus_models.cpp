@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <type_traits>
 
 #include "quadrel/fitting/circle_sphere.h"
 #include "quadrel/fitting/line_plane.h"
@@ -107,16 +108,40 @@ void CollectOf(const Hypothesis &h, const PointColumns &c, double t2,
   sumSquares = sum;
 }
 
-// The listed points as a 3 x k matrix.
-CMatrix Gather(const PointColumns &c, const std::vector<std::int64_t> &list) {
-  const std::size_t k = list.size();
-  std::vector<double> rows(3 * k);
-  for (std::size_t j = 0; j < k; ++j) {
-    rows[j] = c.x[list[j]];
-    rows[k + j] = c.y[list[j]];
-    rows[2 * k + j] = c.z[list[j]];
+// Calls f with the shape as a compile-time constant, so that each shape gets
+// its own scoring loop with the distance inlined.
+template <class F>
+auto ForShape(ConsensusShape shape, F &&f) {
+  using C = ConsensusShape;
+  switch (shape) {
+    case C::kLine:
+      return f(std::integral_constant<C, C::kLine>());
+    case C::kPlane:
+      return f(std::integral_constant<C, C::kPlane>());
+    case C::kCircle:
+      return f(std::integral_constant<C, C::kCircle>());
+    case C::kSphere:
+      return f(std::integral_constant<C, C::kSphere>());
+    case C::kCylinder:
+      break;
   }
-  return CMatrix(rows.data(), 3, static_cast<int>(k));
+  return f(std::integral_constant<C, C::kCylinder>());
+}
+
+// The listed points as a 3 x k matrix, k = min(size, limit): entry
+// j * size / k of the list for column j.
+CMatrix Gather(const PointColumns &c, const std::vector<std::int64_t> &list, std::size_t limit) {
+  const std::size_t size = list.size();
+  const std::size_t k = limit > 0 && limit < size ? limit : size;
+  CMatrix points(3, static_cast<int>(k));
+  for (std::size_t j = 0; j < k; ++j) {
+    const std::int64_t i = list[k == size ? j : j * size / k];
+    const int column = static_cast<int>(j);
+    points(0, column) = c.x[i];
+    points(1, column) = c.y[i];
+    points(2, column) = c.z[i];
+  }
+  return points;
 }
 
 void Read3(const CMatrix &m, double *out) {
@@ -136,7 +161,7 @@ int SampleSize(ConsensusShape shape) {
     case ConsensusShape::kSphere:
       return 4;
     case ConsensusShape::kCylinder:
-      return 6;
+      return 5;
   }
   return 0;
 }
@@ -214,59 +239,24 @@ bool SolveSample(ConsensusShape shape, const PointColumns &s, Hypothesis &model)
 }
 
 double SquaredDistance(ConsensusShape shape, const Hypothesis &h, double x, double y, double z) {
-  switch (shape) {
-    case ConsensusShape::kLine:
-      return Distance2<ConsensusShape::kLine>(h, x, y, z);
-    case ConsensusShape::kPlane:
-      return Distance2<ConsensusShape::kPlane>(h, x, y, z);
-    case ConsensusShape::kCircle:
-      return Distance2<ConsensusShape::kCircle>(h, x, y, z);
-    case ConsensusShape::kSphere:
-      return Distance2<ConsensusShape::kSphere>(h, x, y, z);
-    case ConsensusShape::kCylinder:
-      return Distance2<ConsensusShape::kCylinder>(h, x, y, z);
-  }
-  return std::numeric_limits<double>::quiet_NaN();
+  return ForShape(shape, [&](auto s) { return Distance2<s()>(h, x, y, z); });
 }
 
 RangeScore ScoreRange(ConsensusShape shape, const Hypothesis &h, const PointColumns &c,
                       std::int64_t begin, std::int64_t end, double t2) {
-  switch (shape) {
-    case ConsensusShape::kLine:
-      return ScoreRangeOf<ConsensusShape::kLine>(h, c, begin, end, t2);
-    case ConsensusShape::kPlane:
-      return ScoreRangeOf<ConsensusShape::kPlane>(h, c, begin, end, t2);
-    case ConsensusShape::kCircle:
-      return ScoreRangeOf<ConsensusShape::kCircle>(h, c, begin, end, t2);
-    case ConsensusShape::kSphere:
-      return ScoreRangeOf<ConsensusShape::kSphere>(h, c, begin, end, t2);
-    case ConsensusShape::kCylinder:
-      return ScoreRangeOf<ConsensusShape::kCylinder>(h, c, begin, end, t2);
-  }
-  return RangeScore();
+  return ForShape(shape, [&](auto s) { return ScoreRangeOf<s()>(h, c, begin, end, t2); });
 }
 
 void CollectInliers(ConsensusShape shape, const Hypothesis &h, const PointColumns &c, double t2,
                     std::vector<std::int64_t> &inliers, double &sumSquares) {
-  switch (shape) {
-    case ConsensusShape::kLine:
-      return CollectOf<ConsensusShape::kLine>(h, c, t2, inliers, sumSquares);
-    case ConsensusShape::kPlane:
-      return CollectOf<ConsensusShape::kPlane>(h, c, t2, inliers, sumSquares);
-    case ConsensusShape::kCircle:
-      return CollectOf<ConsensusShape::kCircle>(h, c, t2, inliers, sumSquares);
-    case ConsensusShape::kSphere:
-      return CollectOf<ConsensusShape::kSphere>(h, c, t2, inliers, sumSquares);
-    case ConsensusShape::kCylinder:
-      return CollectOf<ConsensusShape::kCylinder>(h, c, t2, inliers, sumSquares);
-  }
+  ForShape(shape, [&](auto s) { CollectOf<s()>(h, c, t2, inliers, sumSquares); });
 }
 
 bool RefitInliers(ConsensusShape shape, const PointColumns &c,
-                  const std::vector<std::int64_t> &inliers, Hypothesis &model) {
-  const int k = static_cast<int>(inliers.size());
-  if (k < SampleSize(shape) || k < 2) return false;
-  const CMatrix points = Gather(c, inliers);
+                  const std::vector<std::int64_t> &inliers, Hypothesis &model, std::size_t limit) {
+  const std::size_t k = inliers.size();
+  if (k < static_cast<std::size_t>(SampleSize(shape))) return false;
+  const CMatrix points = Gather(c, inliers, limit);
   CMatrix point, direction, residuals;
   Hypothesis h;
   switch (shape) {

@@ -34,7 +34,7 @@ struct RangeScore {
 };
 
 // Points in a minimal sample of the shape: line 2, plane 3, circle 3, sphere 4,
-// cylinder 6 (an overdetermined sample fitted by the Gaussian cylinder).
+// cylinder 5 (the Gaussian cylinder through five points).
 int SampleSize(ConsensusShape shape);
 
 // The hypothesis through the sample (SampleSize(shape) points, sample.n equal to
@@ -57,10 +57,13 @@ void CollectInliers(ConsensusShape shape, const Hypothesis &model, const PointCo
                     double t2, std::vector<std::int64_t> &inliers, double &sumSquares);
 
 // The least-squares fit of the library (LineFit, PlaneFit, CircleFit, SphereFit,
-// GaussianCylinderFit) to the listed points of cloud. Returns false, leaving
-// model alone, when there are too few points or the fit gives no finite model.
+// GaussianCylinderFit) to the listed points of cloud, or to limit of them
+// spread evenly over the list when it is longer (limit 0: no limit). Returns
+// false, leaving model alone, when there are too few points or the fit gives
+// no finite model.
 bool RefitInliers(ConsensusShape shape, const PointColumns &cloud,
-                  const std::vector<std::int64_t> &inliers, Hypothesis &model);
+                  const std::vector<std::int64_t> &inliers, Hypothesis &model,
+                  std::size_t limit = 0);
 
 // The model in the public form: see ConsensusModel. A NaN model when valid is
 // false.

@@ -28,6 +28,10 @@ constexpr double kPreviewSigmas = 3.5;
 // refit until the inlier set stops changing.
 constexpr int kRefineRounds = 8;
 
+// Local optimisation fits at most this many of the inliers, spread evenly over
+// them: enough to find the inlier set, while the final model is fitted to all.
+constexpr std::size_t kLocalFitPoints = 32768;
+
 double RatioOf(std::int64_t count, std::int64_t n) {
   return static_cast<double>(count) / static_cast<double>(n);
 }
@@ -38,10 +42,11 @@ void LocalOptimise(ConsensusShape shape, const PointColumns &cloud, double t2, B
                    Hypothesis &best, RangeScore &bestScore) {
   std::vector<std::int64_t> inliers;
   double sumSquares = 0.0;
+  inliers.reserve(static_cast<std::size_t>(bestScore.count));
   for (int round = 0; round < kRefineRounds; ++round) {
     CollectInliers(shape, best, cloud, t2, inliers, sumSquares);
     Hypothesis refit = best;
-    if (!RefitInliers(shape, cloud, inliers, refit)) return;
+    if (!RefitInliers(shape, cloud, inliers, refit, kLocalFitPoints)) return;
     const RangeScore score = ScoreCloud(shape, refit, cloud, t2, pool);
     if (!(score.sum < bestScore.sum)) return;
     const bool grew = score.count > bestScore.count;
@@ -49,6 +54,16 @@ void LocalOptimise(ConsensusShape shape, const PointColumns &cloud, double t2, B
     bestScore = score;
     if (!grew) return;
   }
+}
+
+// The sum of the squared distances of the listed points from the model, in
+// list order.
+double SumOfSquares(ConsensusShape shape, const Hypothesis &model, const PointColumns &cloud,
+                    const std::vector<std::int64_t> &list) {
+  double sum = 0.0;
+  for (std::int64_t i : list)
+    sum += SquaredDistance(shape, model, cloud.x[i], cloud.y[i], cloud.z[i]);
+  return sum;
 }
 
 }  // namespace
@@ -178,14 +193,16 @@ SearchOutcome SearchConsensus(ConsensusShape shape, const PointColumns &cloud,
     return out;
   }
 
-  // The model returned is the least-squares fit of its inliers: refit until
-  // the inlier set no longer changes.
+  // The model returned is the least-squares fit of its inliers. Fits of at
+  // most kLocalFitPoints of them are repeated until the inlier set no longer
+  // changes; the last fit then takes every inlier when there are more.
   double sumSquares = 0.0;
   CollectInliers(shape, best, cloud, t2, out.inliers, sumSquares);
   std::vector<std::int64_t> next;
+  next.reserve(out.inliers.size());
   for (int round = 0; round < kRefineRounds; ++round) {
     Hypothesis refit = best;
-    if (!RefitInliers(shape, cloud, out.inliers, refit)) break;
+    if (!RefitInliers(shape, cloud, out.inliers, refit, kLocalFitPoints)) break;
     double nextSum = 0.0;
     CollectInliers(shape, refit, cloud, t2, next, nextSum);
     if (next.size() < static_cast<std::size_t>(s)) break;
@@ -194,6 +211,9 @@ SearchOutcome SearchConsensus(ConsensusShape shape, const PointColumns &cloud,
     const bool same = next == out.inliers;
     out.inliers.swap(next);
     if (same) break;
+  }
+  if (out.inliers.size() > kLocalFitPoints && RefitInliers(shape, cloud, out.inliers, best)) {
+    sumSquares = SumOfSquares(shape, best, cloud, out.inliers);
   }
   out.model = best;
   const std::int64_t count = static_cast<std::int64_t>(out.inliers.size());
