@@ -1,5 +1,6 @@
 #include "quadrel/io/las_reader.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <cstring>
@@ -19,6 +20,23 @@ T Load(std::string_view content, std::size_t at) {
   T value;
   std::memcpy(&value, content.data() + at, sizeof value);
   return value;
+}
+
+// x, y and z of every record: the stored little-endian int32 at bytes 0, 4
+// and 8, times the axis's scale, plus its offset.
+void ScaleAxes(const char *at, std::size_t stride, std::size_t count, const double scale[3],
+               const double offset[3], double *x, double *y, double *z) {
+  double *const out[3] = {x, y, z};
+  for (std::size_t k = 0; k < count; ++k, at += stride) {
+    for (std::size_t r = 0; r < 3; ++r) {
+      std::uint32_t bits;
+      std::memcpy(&bits, at + 4 * r, sizeof bits);
+      if constexpr (__BYTE_ORDER__ == __ORDER_BIG_ENDIAN__) bits = __builtin_bswap32(bits);
+      std::int32_t stored;
+      std::memcpy(&stored, &bits, sizeof stored);
+      out[r][k] = static_cast<double>(stored) * scale[r] + offset[r];
+    }
+  }
 }
 
 // One column of a point record: its name, byte, type, and for a bit field
@@ -152,21 +170,16 @@ PointSet ParseLas(std::string_view content, const std::string &name) {
   const char *records = content.data() + pointData;
   RawCloud cloud;
   cloud.Allocate(n);
-  for (int r = 0; r < 3; ++r) {
-    double *axis = cloud.axis(r);
-    ReadColumn(records, recordLength, 4 * static_cast<std::size_t>(r), n, ScalarType::kInt32, false,
-               axis);
-    for (std::size_t k = 0; k < n; ++k)
-      axis[k] = axis[k] * scale[r] + offset[r];
-  }
+  ScaleAxes(records, recordLength, n, scale, offset, cloud.axis(0), cloud.axis(1), cloud.axis(2));
+  // The further fields follow x, y and z; their bytes are kept, and read
+  // only when a column is asked for.
+  std::size_t end = 12;
+  for (const LasField &field : layout.fields)
+    end = std::max(end, field.offset + ScalarSize(field.type));
+  cloud.KeepRecordBytes(records, recordLength, 12, end);
   for (const LasField &field : layout.fields) {
-    std::vector<double> values(n);
-    ReadColumn(records, recordLength, field.offset, n, field.type, false, values.data());
-    if (field.mask != 0) {
-      for (double &value : values)
-        value = static_cast<double>((static_cast<unsigned>(value) >> field.shift) & field.mask);
-    }
-    cloud.extras.push_back({field.name, std::move(values)});
+    cloud.AddStoredColumn(
+        field.name, {field.offset - 12, end - 12, field.type, false, field.shift, field.mask});
   }
   return FinishCloud(std::move(cloud), name, "las");
 }

@@ -6,6 +6,7 @@
 #include <utility>
 #include <vector>
 
+#include "quadrel/io/large_buffer.h"
 #include "quadrel/io/lzf.h"
 #include "quadrel/io/raw_cloud.h"
 #include "quadrel/io/read_error.h"
@@ -218,8 +219,7 @@ std::vector<double *> Targets(const Header &header, const std::size_t axes[3], R
   for (std::size_t f = 0; f < header.fields.size(); ++f) {
     const Field &field = header.fields[f];
     if (target[f] != nullptr || field.count != 1 || field.name == "_") continue;
-    cloud.extras.push_back({field.name, std::vector<double>(count)});
-    target[f] = cloud.extras.back().values.data();
+    target[f] = cloud.AddColumn(field.name);
   }
   return target;
 }
@@ -316,7 +316,9 @@ void ReadCompressed(std::string_view content, const std::string &name, const Hea
                  " bytes cannot expand to the " + std::to_string(expanded) + " it declares");
   }
   const std::vector<double *> target = Targets(header, axes, cloud, count);
-  std::vector<unsigned char> values(expanded);
+  std::vector<unsigned char> values;
+  ReserveLarge(values, expanded);
+  values.resize(expanded);
   if (expanded > 0) {
     const long long got =
         LzfDecompress(reinterpret_cast<const unsigned char *>(content.data() + at + 8), compressed,

@@ -185,8 +185,7 @@ std::vector<double *> Targets(const Element &vertex, const int axes[3], RawCloud
   cloud.extras.reserve(vertex.properties.size());
   for (std::size_t p = 0; p < vertex.properties.size(); ++p) {
     if (vertex.properties[p].list || target[p] != nullptr) continue;
-    cloud.extras.push_back({vertex.properties[p].name, std::vector<double>(count)});
-    target[p] = cloud.extras.back().values.data();
+    target[p] = cloud.AddColumn(vertex.properties[p].name);
   }
   return target;
 }

@@ -21,16 +21,45 @@ PointSet::PointSet(std::string name, std::vector<double> xyz, std::vector<std::i
       originKind_(originKind) {}
 
 bool PointSet::AddColumn(std::string name, std::vector<double> values) {
-  if (values.size() != origins_.size() || FindColumn(name) != nullptr) return false;
+  if (values.size() != origins_.size() || ColumnIndex(name) < columns_.size()) return false;
   columns_.push_back({std::move(name), std::move(values)});
+  makers_.emplace_back();
   return true;
 }
 
+bool PointSet::AddColumn(std::string name, ColumnMaker make) {
+  if (!make || ColumnIndex(name) < columns_.size()) return false;
+  columns_.push_back({std::move(name), {}});
+  makers_.push_back(std::move(make));
+  return true;
+}
+
+std::size_t PointSet::ColumnIndex(std::string_view name) const {
+  std::size_t c = 0;
+  while (c < columns_.size() && columns_[c].name != name)
+    ++c;
+  return c;
+}
+
+void PointSet::MakeColumn(std::size_t c) const {
+  if (!makers_[c]) return;
+  columns_[c].values = makers_[c](origins_);
+  makers_[c] = nullptr;
+}
+
 const ExtraColumn *PointSet::FindColumn(std::string_view name) const {
-  for (const ExtraColumn &column : columns_) {
-    if (column.name == name) return &column;
-  }
-  return nullptr;
+  const std::size_t c = ColumnIndex(name);
+  if (c == columns_.size()) return nullptr;
+  const std::lock_guard<std::mutex> hold(columnLock_.mutex);
+  MakeColumn(c);
+  return &columns_[c];
+}
+
+const std::vector<ExtraColumn> &PointSet::columns() const {
+  const std::lock_guard<std::mutex> hold(columnLock_.mutex);
+  for (std::size_t c = 0; c < columns_.size(); ++c)
+    MakeColumn(c);
+  return columns_;
 }
 
 }  // namespace quadrel_io

@@ -5,6 +5,8 @@
 #define QUADREL_IO_POINT_SET_H
 
 #include <cstdint>
+#include <functional>
+#include <mutex>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -80,9 +82,17 @@ class PointSet {
   // Adds a named column; values must hold count() numbers and the name must
   // be new (the column is not added otherwise, and false comes back).
   bool AddColumn(std::string name, std::vector<double> values);
+  // Makes the values of a column from the origins of the points: count()
+  // numbers, in the order of the points.
+  using ColumnMaker = std::function<std::vector<double>(const std::vector<std::int64_t> &origins)>;
+  // Adds a named column whose values are made when first asked for, by
+  // FindColumn or columns(), so that a column nobody asks for costs nothing.
+  // The name must be new (false comes back otherwise).
+  bool AddColumn(std::string name, ColumnMaker make);
   // The column of that name, or nullptr when there is none.
   const ExtraColumn *FindColumn(std::string_view name) const;
-  const std::vector<ExtraColumn> &columns() const { return columns_; }
+  // Every column, in the order they were added.
+  const std::vector<ExtraColumn> &columns() const;
 
  private:
   std::string name_;
@@ -93,7 +103,23 @@ class PointSet {
   std::int64_t skipped_ = 0;
   std::int64_t width_ = 0;
   std::int64_t height_ = 0;
-  std::vector<ExtraColumn> columns_;
+  // Makes the values of column c if they are still to be made.
+  void MakeColumn(std::size_t c) const;
+  std::size_t ColumnIndex(std::string_view name) const;
+
+  // A mutex that a copied or moved set gets afresh.
+  struct Lock {
+    Lock() = default;
+    Lock(const Lock &) {}
+    Lock &operator=(const Lock &) { return *this; }
+    std::mutex mutex;
+  };
+
+  // The values of a column added with a maker are made on first use, under
+  // the lock: makers_[c] is empty once column c holds its values.
+  mutable std::vector<ExtraColumn> columns_;
+  mutable std::vector<ColumnMaker> makers_;
+  mutable Lock columnLock_;
 };
 
 }  // namespace quadrel_io

@@ -2,6 +2,7 @@
 
 #include <climits>
 #include <cmath>
+#include <cstring>
 #include <utility>
 
 #include "quadrel/io/read_error.h"
@@ -20,10 +21,31 @@ void Compact(std::vector<T> &values, const std::vector<std::int64_t> &origins) {
 
 }  // namespace
 
+double *RawCloud::AddColumn(std::string name) {
+  std::vector<double> values;
+  ReserveLarge(values, records);
+  values.resize(records);
+  extras.push_back({std::move(name), std::move(values), false, {}});
+  return extras.back().values.data();
+}
+
+void RawCloud::KeepRecordBytes(const char *at, std::size_t stride, std::size_t first,
+                               std::size_t last) {
+  const std::size_t width = last - first;
+  auto bytes = std::make_shared<std::vector<char>>();
+  ReserveLarge(*bytes, width * records);
+  bytes->resize(width * records);
+  char *to = bytes->data();
+  at += first;
+  for (std::size_t k = 0; k < records; ++k, at += stride, to += width)
+    std::memcpy(to, at, width);
+  kept = std::move(bytes);
+}
+
 PointSet FinishCloud(RawCloud cloud, const std::string &name, const std::string &format) {
   const std::size_t records = cloud.records;
   std::vector<std::int64_t> origins;
-  origins.reserve(records);
+  ReserveLarge(origins, records);
   const double *x = cloud.axis(0);
   const double *y = cloud.axis(1);
   const double *z = cloud.axis(2);
@@ -50,15 +72,35 @@ PointSet FinishCloud(RawCloud cloud, const std::string &name, const std::string 
       for (std::size_t k = 0; k < kept; ++k)
         cloud.xyz[r * kept + k] = cloud.xyz[r * records + static_cast<std::size_t>(origins[k] - 1)];
     cloud.xyz.resize(3 * kept);
-    for (ExtraColumn &column : cloud.extras)
-      Compact(column.values, origins);
+    for (RawColumn &column : cloud.extras)
+      if (!column.stored) Compact(column.values, origins);
   }
   PointSet set(name, std::move(cloud.xyz), std::move(origins), OriginKind::kRecord);
   set.setFormat(format);
   set.setSkipped(static_cast<std::int64_t>(records) - set.count());
   if (cloud.width > 0) set.setGrid(cloud.width, cloud.height);
-  for (ExtraColumn &column : cloud.extras)
-    set.AddColumn(std::move(column.name), std::move(column.values));
+  for (RawColumn &column : cloud.extras) {
+    if (!column.stored) {
+      set.AddColumn(std::move(column.name), std::move(column.values));
+      continue;
+    }
+    // Read from the kept bytes when asked for; the kept bytes go when the
+    // last such column has been read.
+    set.AddColumn(std::move(column.name), [kept = cloud.kept, field = column.field,
+                                           records](const std::vector<std::int64_t> &origins) {
+      std::vector<double> values;
+      ReserveLarge(values, records);
+      values.resize(records);
+      ReadColumn(kept->data(), field.stride, field.offset, records, field.type, field.bigEndian,
+                 values.data());
+      if (field.mask != 0) {
+        for (double &value : values)
+          value = static_cast<double>((static_cast<unsigned>(value) >> field.shift) & field.mask);
+      }
+      if (origins.size() != records) Compact(values, origins);
+      return values;
+    });
+  }
   return set;
 }
 

@@ -4,12 +4,34 @@
 #define QUADREL_IO_RAW_CLOUD_H
 
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <vector>
 
+#include "quadrel/io/large_buffer.h"
 #include "quadrel/io/point_set.h"
+#include "quadrel/io/scalar_column.h"
 
 namespace quadrel_io {
+
+// A further column of a binary file, kept as the bytes of its field until its
+// values are asked for: the field of record k lies at offset + k * stride in
+// the cloud's kept bytes. A bit field keeps (value >> shift) & mask when mask
+// is not 0.
+struct StoredField {
+  std::size_t offset = 0, stride = 0;
+  ScalarType type = ScalarType::kUint8;
+  bool bigEndian = false;
+  unsigned shift = 0, mask = 0;
+};
+
+// A further column of the cloud: its values, or where they are stored.
+struct RawColumn {
+  std::string name;
+  std::vector<double> values;
+  bool stored = false;
+  StoredField field;
+};
 
 // x, y and z and the further columns of every record, all of one length, in
 // the order of the file; width and height are set for an organized cloud.
@@ -18,14 +40,28 @@ namespace quadrel_io {
 struct RawCloud {
   std::vector<double> xyz;
   std::size_t records = 0;
-  std::vector<ExtraColumn> extras;
+  std::vector<RawColumn> extras;
+  // The bytes the stored columns are read from.
+  std::shared_ptr<const std::vector<char>> kept;
   // Takes room for the coordinates of count records.
   void Allocate(std::size_t count) {
     records = count;
+    ReserveLarge(xyz, 3 * count);
     xyz.resize(3 * count);
   }
   // Axis r (0 for x, 1 for y, 2 for z) of every record.
   double *axis(int r) { return xyz.data() + static_cast<std::size_t>(r) * records; }
+  // Adds a further column of one value per record, all 0 until the reader
+  // fills them, and gives its values.
+  double *AddColumn(std::string name);
+  // Keeps bytes [first, last) of every record, records stride bytes apart
+  // from `at`, as the kept bytes, (last - first) bytes per record. Records
+  // must be set.
+  void KeepRecordBytes(const char *at, std::size_t stride, std::size_t first, std::size_t last);
+  // Adds a further column read from the kept bytes when asked for.
+  void AddStoredColumn(std::string name, const StoredField &field) {
+    extras.push_back({std::move(name), {}, true, field});
+  }
   std::int64_t width = 0;
   std::int64_t height = 0;
 };

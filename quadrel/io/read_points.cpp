@@ -4,9 +4,10 @@
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
+#include <memory>
 #include <system_error>
-#include <vector>
 
+#include "quadrel/io/large_buffer.h"
 #include "quadrel/io/las_reader.h"
 #include "quadrel/io/pcd_reader.h"
 #include "quadrel/io/ply_reader.h"
@@ -54,17 +55,32 @@ PointSet ReadPoints(const std::string &path, const ReadOptions &options) {
   if (file == nullptr)
     throw ReadError(name, 0, "cannot open " + name + ": " + std::strerror(errno));
 
-  // One pass over the file in large blocks; the content is parsed afterwards.
-  std::string content;
-  std::vector<char> block(1 << 20);
-  std::size_t got = 0;
-  while ((got = std::fread(block.data(), 1, block.size(), file)) > 0)
-    content.append(block.data(), got);
+  // The whole content in one buffer, read straight into it: a regular file
+  // in one call into room of its size, standard input and pipes into room
+  // that doubles as they go. The content is parsed afterwards.
+  std::error_code sizeError;
+  const std::uintmax_t fileSize = standardInput ? 0 : std::filesystem::file_size(path, sizeError);
+  std::size_t room =
+      sizeError || fileSize == 0 ? std::size_t{1} << 20 : static_cast<std::size_t>(fileSize) + 1;
+  std::unique_ptr<char[]> content;
+  std::size_t used = 0;
+  while (true) {
+    if (content == nullptr || used == room) {
+      if (content != nullptr) room *= 2;
+      std::unique_ptr<char[]> larger(new char[room]);
+      AdviseHugePages(larger.get(), room);
+      if (used > 0) std::memcpy(larger.get(), content.get(), used);
+      content = std::move(larger);
+    }
+    const std::size_t got = std::fread(content.get() + used, 1, room - used, file);
+    if (got == 0) break;
+    used += got;
+  }
   const bool failed = std::ferror(file) != 0;
   const int error = errno;
   if (!standardInput) std::fclose(file);
   if (failed) throw ReadError(name, 0, "cannot read " + name + ": " + std::strerror(error));
-  return ParsePoints(content, name, options);
+  return ParsePoints(std::string_view(content.get(), used), name, options);
 }
 
 }  // namespace quadrel_io
