@@ -16,8 +16,6 @@ namespace quadrel_fit {
 
 namespace fe = quadrel_frontend;
 
-namespace {
-
 void Write(const fe::Report &report, const OutputOptions &options, std::ostream &out) {
   if (options.csv) {
     WriteCsv(report, out);
@@ -28,10 +26,27 @@ void Write(const fe::Report &report, const OutputOptions &options, std::ostream 
   }
 }
 
-}  // namespace
+void WriteTable(const fe::Report &report, const OutputOptions &options, std::ostream &out) {
+  if (options.csv) {
+    WriteCsv(report, out);
+  } else if (options.json) {
+    WriteJsonLines(report, out);
+  } else {
+    WriteTextTable(report, out);
+  }
+}
 
 void Require(const fe::Outcome &outcome) {
   if (!outcome.ok()) throw InputError(outcome.reason);
+}
+
+void DrawAndWarn(const fe::ShapeFit &fit, const PointSet &points, const OutputOptions &options) {
+  if (!options.svgPath.empty()) {
+    WriteSvgFile(options.svgPath, std::string(fit.shape->name) == "plane"
+                                      ? PlaneResidualFigure(fit, points)
+                                      : CurveFigure(fit, points));
+  }
+  if (!fit.warning.empty()) std::cerr << "quadrel-fit: warning: " << fit.warning << '\n';
 }
 
 namespace {
@@ -50,32 +65,22 @@ int RunSegments(const fe::ShapeEntry &shape, const PointSet &points, const Outpu
                 std::ostream &out) {
   const fe::SegmentFits fits = fe::FitSegments(shape, points, options.segmentBy);
   Require(fits.outcome);
-  const fe::Report report = fe::SegmentReport(shape, fits, points);
-  if (options.csv) {
-    WriteCsv(report, out);
-  } else if (options.json) {
-    WriteJsonLines(report, out);
-  } else {
-    WriteTextTable(report, out);
-  }
+  WriteTable(fe::SegmentReport(shape, fits, points), options, out);
   return fits.AllFitted() ? kExitOk : kExitSomeSegments;
 }
 
 }  // namespace
 
 int RunShapeCommand(const fe::ShapeEntry &shape, const std::string &path,
-                    const OutputOptions &options, std::ostream &out) {
+                    const OutputOptions &options, const RobustOptions &robust, std::ostream &out) {
   CheckOptions(options);
+  CheckRobustOptions(shape, robust, options);
   const PointSet points = ReadPointFile(path);
+  if (robust.on) return RunRobust(shape, points, options, robust, out);
   if (!options.segmentBy.empty()) return RunSegments(shape, points, options, out);
   const fe::ShapeFit fit = fe::FitShape(shape, points);
   Require(fit.outcome);
-  if (!options.svgPath.empty()) {
-    WriteSvgFile(options.svgPath, std::string(shape.name) == "plane"
-                                      ? PlaneResidualFigure(fit, points)
-                                      : CurveFigure(fit, points));
-  }
-  if (!fit.warning.empty()) std::cerr << "quadrel-fit: warning: " << fit.warning << '\n';
+  DrawAndWarn(fit, points, options);
   Write(fe::ShapeReport(fit, points, options.residuals), options, out);
   return kExitOk;
 }

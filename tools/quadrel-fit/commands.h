@@ -9,7 +9,10 @@
 #include <string>
 
 #include "quadrel/frontend/outcome.h"
+#include "quadrel/frontend/report.h"
 #include "quadrel/frontend/shape_fit.h"
+#include "quadrel/io/point_set.h"
+#include "robust_command.h"
 
 namespace quadrel_fit {
 
@@ -24,10 +27,22 @@ struct OutputOptions {
 // Throws an InputError with the reason when the outcome is a refusal.
 void Require(const quadrel_frontend::Outcome &outcome);
 
-// quadrel-fit SHAPE [FILE]; gives the exit status: kExitOk, or with
-// --segment-by kExitSomeSegments when a segment could not be fitted.
+// Draws the fit of the points into the SVG file the options name, if any, and
+// prints the fit's warning, if any, on standard error.
+void DrawAndWarn(const quadrel_frontend::ShapeFit &fit, const quadrel_io::PointSet &points,
+                 const OutputOptions &options);
+// A report as the options ask: text, JSON or CSV.
+void Write(const quadrel_frontend::Report &report, const OutputOptions &options, std::ostream &out);
+// A report with rows (one per segment or model) as the options ask: a text
+// table, JSON Lines or CSV.
+void WriteTable(const quadrel_frontend::Report &report, const OutputOptions &options,
+                std::ostream &out);
+
+// quadrel-fit SHAPE [FILE], through outliers when robust.on; gives the exit
+// status: kExitOk, or with --segment-by or --extract kExitSomeSegments when a
+// segment or model could not be fitted.
 int RunShapeCommand(const quadrel_frontend::ShapeEntry &shape, const std::string &path,
-                    const OutputOptions &options, std::ostream &out);
+                    const OutputOptions &options, const RobustOptions &robust, std::ostream &out);
 // quadrel-fit trihedral FILE1 FILE2 FILE3; the edge angle in degrees, strictly
 // between 0 and 120.
 void RunTrihedralCommand(const std::array<std::string, 3> &paths, double edgeAngleDegrees,

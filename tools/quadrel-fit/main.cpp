@@ -16,6 +16,7 @@
 #include "demo.h"
 #include "errors.h"
 #include "quadrel/frontend/metrology_shapes.h"
+#include "quadrel/frontend/robust_fit.h"
 #include "quadrel/frontend/shape_fit.h"
 
 namespace {
@@ -36,6 +37,61 @@ const char *const kFileHelp =
     "commas); '#' lines, empty lines and one header line of words are skipped. The format is "
     "told from the content. Points whose x, y or z is NaN or infinite (no return) are skipped "
     "and counted. '-' or nothing reads standard input.";
+
+// The options of a search through outliers besides --inlier-threshold.
+const char *const kRobustFlags[] = {"--seed",        "--confidence", "--max-iterations",
+                                    "--min-inliers", "--extract",    "--labels-out"};
+
+// --inlier-threshold and the options of the search on a shape command; a shape
+// without a search takes --inlier-threshold only to refuse it with a message
+// that names the shapes that have one, and its help leaves it out.
+void AddRobustOptions(const quadrel_frontend::ShapeEntry &shape, CLI::App &command,
+                      quadrel_fit::RobustOptions &robust) {
+  ConsensusShape search = ConsensusShape::kLine;
+  CLI::Option *threshold =
+      command
+          .add_option("--inlier-threshold", robust.threshold,
+                      "Fit through outliers and clutter: find the shape by sample consensus, "
+                      "the points within D of it (in the units of the points) its inliers, then "
+                      "fit the inliers alone. Adds inlier_threshold, inliers, inlier_rms and "
+                      "consensus_iterations; the residuals are those of the inliers.")
+          ->type_name("D");
+  if (!quadrel_frontend::FindConsensusShape(shape, search)) {
+    threshold->group("");
+    return;
+  }
+  command
+      .add_option("--seed", robust.seed,
+                  "Seed of the samples drawn (default 0): a seed gives the same result on every "
+                  "platform and for any number of threads.")
+      ->type_name("N");
+  command
+      .add_option("--confidence", robust.confidence,
+                  "Draw samples until a better model would be missed with at most 1 - P "
+                  "probability, P strictly between 0 and 1 (default 0.999).")
+      ->type_name("P");
+  command
+      .add_option("--max-iterations", robust.maxIterations,
+                  "Draw at most N samples for a model, whatever the confidence (default 100000).")
+      ->type_name("N");
+  command
+      .add_option("--min-inliers", robust.minInliers,
+                  "The fewest inliers a model must have (default: the points of one sample).")
+      ->type_name("N");
+  command
+      .add_option("--extract", robust.extract,
+                  "Find up to N models one after another, each among the points the ones "
+                  "before left, until one has fewer than --min-inliers inliers: one row per "
+                  "model as with --segment-by, exit status 3 when the inliers of a model could "
+                  "not be fitted.")
+      ->type_name("N");
+  command
+      .add_option("--labels-out", robust.labelsPath,
+                  "Write every point to FILE as text, a line 'x y z label' under that header "
+                  "(coordinates to 17 digits, whatever the input's format), label the model "
+                  "that took the point (0 the first) or -1 for none.")
+      ->type_name("FILE");
+}
 
 // Reading standard input from a terminal waits for typing; say so.
 void NoteTerminalInput(const std::string &path) {
@@ -67,11 +123,13 @@ int Run(int argc, char **argv) {
   app.footer(
       "Exit status: 0 success, 1 an output file could not be written, 2 bad usage, bad input "
       "or data that determine no shape (with a message on standard error and nothing on "
-      "standard output), 3 with --segment-by: at least one segment could not be fitted (its "
-      "row says why; the others are written).\nRun 'quadrel-fit COMMAND --help' for the options of "
+      "standard output), 3 with --segment-by or --extract: at least one segment or model could "
+      "not be fitted (its row says why; the others are written).\nRun 'quadrel-fit COMMAND --help' "
+      "for the options of "
       "a command.");
 
   OutputOptions output;
+  quadrel_fit::RobustOptions robust;
   std::string path = "-";
   std::map<const quadrel_frontend::ShapeEntry *, CLI::App *> shapeCommands;
   std::string criterion = "algebraic";
@@ -116,6 +174,7 @@ int Run(int argc, char **argv) {
                              "an SVG file.")
           ->type_name("FILE");
     }
+    AddRobustOptions(shape, *command, robust);
     shapeCommands[&shape] = command;
   }
 
@@ -197,8 +256,12 @@ int Run(int argc, char **argv) {
         throw quadrel_fit::InputError("a " + std::string(shape->name) + " has no " + criterion +
                                       " fit; it takes --criterion gaussian");
       }
+      robust.on = command->count("--inlier-threshold") > 0;
+      for (const char *flag : kRobustFlags)
+        if (command->get_option_no_throw(flag) != nullptr && command->count(flag) > 0)
+          robust.given.emplace_back(flag);
       NoteTerminalInput(path);
-      status = quadrel_fit::RunShapeCommand(*entry, path, output, out);
+      status = quadrel_fit::RunShapeCommand(*entry, path, output, robust, out);
     }
   }
   if (trihedral->parsed()) {
