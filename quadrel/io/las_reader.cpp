@@ -1,6 +1,5 @@
 #include "quadrel/io/las_reader.h"
 
-#include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <cstring>
@@ -39,24 +38,15 @@ void ScaleAxes(const char *at, std::size_t stride, std::size_t count, const doub
   }
 }
 
-// One column of a point record: its name, byte, type, and for a bit field
-// the shift and mask applied to the byte.
-struct LasField {
-  const char *name;
-  std::size_t offset;
-  ScalarType type;
-  unsigned shift = 0, mask = 0;
-};
-
 // The layout of the record of each point data format: its least length and
 // its columns after X, Y, Z (bytes 0, 4, 8 in every format).
 struct LasFormat {
   std::size_t length;
-  std::vector<LasField> fields;
+  std::vector<RecordField> fields;
 };
 
 LasFormat FormatOf(int format) {
-  std::vector<LasField> fields = {{"intensity", 12, ScalarType::kUint16}};
+  std::vector<RecordField> fields = {{"intensity", 12, ScalarType::kUint16}};
   std::size_t length = 0;
   if (format <= 5) {
     fields.push_back({"return_number", 14, ScalarType::kUint8, 0, 7});
@@ -171,16 +161,8 @@ PointSet ParseLas(std::string_view content, const std::string &name) {
   RawCloud cloud;
   cloud.Allocate(n);
   ScaleAxes(records, recordLength, n, scale, offset, cloud.axis(0), cloud.axis(1), cloud.axis(2));
-  // The further fields follow x, y and z; their bytes are kept, and read
-  // only when a column is asked for.
-  std::size_t end = 12;
-  for (const LasField &field : layout.fields)
-    end = std::max(end, field.offset + ScalarSize(field.type));
-  cloud.KeepRecordBytes(records, recordLength, 12, end);
-  for (const LasField &field : layout.fields) {
-    cloud.AddStoredColumn(
-        field.name, {field.offset - 12, end - 12, field.type, false, field.shift, field.mask});
-  }
+  // The further fields are kept as bytes and read only when asked for.
+  cloud.StoreFields(records, recordLength, layout.fields, false);
   return FinishCloud(std::move(cloud), name, "las");
 }
 

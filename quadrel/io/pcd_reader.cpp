@@ -207,6 +207,13 @@ void FindAxes(const Header &header, const std::string &name, std::size_t axes[3]
   }
 }
 
+// Whether field f is a column of its own: not x, y or z, nor padding, nor a
+// field with COUNT above 1.
+bool IsKeptField(const Header &header, const std::size_t axes[3], std::size_t f) {
+  const Field &field = header.fields[f];
+  return std::find(axes, axes + 3, f) == axes + 3 && field.count == 1 && field.name != "_";
+}
+
 // Where each field goes: an axis of the cloud, a new extra column, or nowhere
 // (nullptr: padding and fields with COUNT above 1).
 std::vector<double *> Targets(const Header &header, const std::size_t axes[3], RawCloud &cloud,
@@ -218,8 +225,7 @@ std::vector<double *> Targets(const Header &header, const std::size_t axes[3], R
   cloud.extras.reserve(header.fields.size());
   for (std::size_t f = 0; f < header.fields.size(); ++f) {
     const Field &field = header.fields[f];
-    if (target[f] != nullptr || field.count != 1 || field.name == "_") continue;
-    target[f] = cloud.AddColumn(field.name);
+    if (IsKeptField(header, axes, f)) target[f] = cloud.AddColumn(field.name);
   }
   return target;
 }
@@ -279,12 +285,19 @@ void ReadBinary(std::string_view content, const std::string &name, const Header 
                         " bytes)",
                     PositionKind::kByte);
   }
-  const std::vector<double *> target = Targets(header, axes, cloud, count);
-  for (std::size_t f = 0; f < header.fields.size(); ++f) {
-    if (target[f] == nullptr) continue;
-    ReadColumn(content.data() + header.body, header.recordSize, header.fields[f].offset, count,
-               header.fields[f].scalar, false, target[f]);
+  // x, y and z now, the other fields when asked for.
+  cloud.Allocate(count);
+  const char *records = content.data() + header.body;
+  for (int r = 0; r < 3; ++r) {
+    const Field &field = header.fields[axes[r]];
+    ReadColumn(records, header.recordSize, field.offset, count, field.scalar, false, cloud.axis(r));
   }
+  std::vector<RecordField> others;
+  for (std::size_t f = 0; f < header.fields.size(); ++f) {
+    const Field &field = header.fields[f];
+    if (IsKeptField(header, axes, f)) others.push_back({field.name, field.offset, field.scalar});
+  }
+  cloud.StoreFields(records, header.recordSize, others, false);
 }
 
 void ReadCompressed(std::string_view content, const std::string &name, const Header &header,
@@ -315,14 +328,13 @@ void ReadCompressed(std::string_view content, const std::string &name, const Hea
     fail(at, "the compressed block of " + std::to_string(compressed) +
                  " bytes cannot expand to the " + std::to_string(expanded) + " it declares");
   }
-  const std::vector<double *> target = Targets(header, axes, cloud, count);
-  std::vector<unsigned char> values;
-  ReserveLarge(values, expanded);
-  values.resize(expanded);
+  auto values = std::make_shared<std::vector<char>>();
+  ReserveLarge(*values, expanded);
+  values->resize(expanded);
   if (expanded > 0) {
     const long long got =
         LzfDecompress(reinterpret_cast<const unsigned char *>(content.data() + at + 8), compressed,
-                      values.data(), expanded);
+                      reinterpret_cast<unsigned char *>(values->data()), expanded);
     if (got != static_cast<long long>(expanded)) {
       fail(at + 8, got < 0 ? "the compressed block is not valid LZF data"
                            : "the compressed block expands to " + std::to_string(got) +
@@ -330,14 +342,19 @@ void ReadCompressed(std::string_view content, const std::string &name, const Hea
     }
   }
   // The fields one after another: all values of the first field, then all of
-  // the second, and so on.
+  // the second, and so on. x, y and z are read now; the expanded block is
+  // kept for the other fields, read when asked for.
+  cloud.Allocate(count);
   std::size_t start = 0;
   for (std::size_t f = 0; f < header.fields.size(); ++f) {
     const Field &field = header.fields[f];
     const std::size_t stride = field.size * static_cast<std::size_t>(field.count);
-    if (target[f] != nullptr) {
-      ReadColumn(reinterpret_cast<const char *>(values.data()) + start, stride, 0, count,
-                 field.scalar, false, target[f]);
+    const int r = static_cast<int>(std::find(axes, axes + 3, f) - axes);
+    if (r < 3) {
+      ReadColumn(values->data() + start, stride, 0, count, field.scalar, false, cloud.axis(r));
+    } else if (IsKeptField(header, axes, f)) {
+      cloud.AddStoredColumn(field.name, {start, stride, field.scalar});
+      cloud.kept = values;
     }
     start += stride * count;
   }

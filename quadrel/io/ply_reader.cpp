@@ -284,12 +284,20 @@ void ReadBinary(std::string_view content, const std::string &name, const Layout 
              at + room / element.size * element.size);
       }
       if (e == vertexIndex) {
-        const std::vector<double *> target = Targets(element, axes, cloud, count);
+        // x, y and z now, the other properties when asked for.
+        cloud.Allocate(count);
+        std::vector<RecordField> others;
         for (std::size_t p = 0; p < element.properties.size(); ++p) {
           const Property &property = element.properties[p];
-          ReadColumn(content.data() + at, element.size, property.offset, count, property.type, big,
-                     target[p]);
+          const auto r = static_cast<int>(std::find(axes, axes + 3, static_cast<int>(p)) - axes);
+          if (r < 3) {
+            ReadColumn(content.data() + at, element.size, property.offset, count, property.type,
+                       big, cloud.axis(r));
+          } else {
+            others.push_back({property.name, property.offset, property.type});
+          }
         }
+        cloud.StoreFields(content.data() + at, element.size, others, big);
       }
       at += element.size * count;
       continue;

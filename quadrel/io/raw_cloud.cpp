@@ -1,5 +1,6 @@
 #include "quadrel/io/raw_cloud.h"
 
+#include <algorithm>
 #include <climits>
 #include <cmath>
 #include <cstring>
@@ -29,8 +30,16 @@ double *RawCloud::AddColumn(std::string name) {
   return extras.back().values.data();
 }
 
-void RawCloud::KeepRecordBytes(const char *at, std::size_t stride, std::size_t first,
-                               std::size_t last) {
+void RawCloud::StoreFields(const char *at, std::size_t stride,
+                           const std::vector<RecordField> &fields, bool bigEndian) {
+  if (fields.empty()) return;
+  // One span of bytes from the first field to the end of the last, copied
+  // record by record.
+  std::size_t first = stride, last = 0;
+  for (const RecordField &field : fields) {
+    first = std::min(first, field.offset);
+    last = std::max(last, field.offset + ScalarSize(field.type));
+  }
   const std::size_t width = last - first;
   auto bytes = std::make_shared<std::vector<char>>();
   ReserveLarge(*bytes, width * records);
@@ -40,6 +49,10 @@ void RawCloud::KeepRecordBytes(const char *at, std::size_t stride, std::size_t f
   for (std::size_t k = 0; k < records; ++k, at += stride, to += width)
     std::memcpy(to, at, width);
   kept = std::move(bytes);
+  for (const RecordField &field : fields) {
+    AddStoredColumn(field.name,
+                    {field.offset - first, width, field.type, bigEndian, field.shift, field.mask});
+  }
 }
 
 PointSet FinishCloud(RawCloud cloud, const std::string &name, const std::string &format) {

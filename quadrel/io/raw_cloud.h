@@ -25,6 +25,15 @@ struct StoredField {
   unsigned shift = 0, mask = 0;
 };
 
+// A field of a record of fixed size: its name, byte and type, and for a bit
+// field the shift and mask applied to its value.
+struct RecordField {
+  std::string name;
+  std::size_t offset = 0;
+  ScalarType type = ScalarType::kUint8;
+  unsigned shift = 0, mask = 0;
+};
+
 // A further column of the cloud: its values, or where they are stored.
 struct RawColumn {
   std::string name;
@@ -54,14 +63,15 @@ struct RawCloud {
   // Adds a further column of one value per record, all 0 until the reader
   // fills them, and gives its values.
   double *AddColumn(std::string name);
-  // Keeps bytes [first, last) of every record, records stride bytes apart
-  // from `at`, as the kept bytes, (last - first) bytes per record. Records
-  // must be set.
-  void KeepRecordBytes(const char *at, std::size_t stride, std::size_t first, std::size_t last);
   // Adds a further column read from the kept bytes when asked for.
   void AddStoredColumn(std::string name, const StoredField &field) {
     extras.push_back({std::move(name), {}, true, field});
   }
+  // Keeps the bytes of the fields of every record, records `stride` bytes
+  // apart from `at`, and adds a stored column for each field, in their
+  // order. Records must be set; the kept bytes must be unset.
+  void StoreFields(const char *at, std::size_t stride, const std::vector<RecordField> &fields,
+                   bool bigEndian);
   std::int64_t width = 0;
   std::int64_t height = 0;
 };

@@ -141,7 +141,20 @@ TEST(PointSet, KeepsNamedColumnsOfOneNumberPerPoint) {
   EXPECT_TRUE(set.AddColumn("label", {1, 1, 2}));
   EXPECT_FALSE(set.AddColumn("label", {3, 3, 3}));   // taken
   EXPECT_FALSE(set.AddColumn("intensity", {1, 2}));  // one short
-  ASSERT_EQ(set.columns().size(), 1u);
+  // A column made when first asked for, once, from the origins of the points;
+  // a copy makes its own.
+  int made = 0;
+  EXPECT_TRUE(set.AddColumn("line", [&made](const std::vector<std::int64_t> &origins) {
+    ++made;
+    return std::vector<double>(origins.begin(), origins.end());
+  }));
+  EXPECT_FALSE(set.AddColumn("line", {0, 0, 0}));  // taken, still to be made
+  EXPECT_EQ(made, 0);
+  const PointSet copy = set;
+  ASSERT_EQ(set.columns().size(), 2u);
+  EXPECT_EQ(set.columns()[1].values, (std::vector<double>{1, 2, 3}));
+  EXPECT_EQ(copy.FindColumn("line")->values, set.columns()[1].values);
+  EXPECT_EQ(made, 2);
   ASSERT_NE(set.FindColumn("label"), nullptr);
   EXPECT_EQ(set.FindColumn("label")->values[2], 2);
   EXPECT_EQ(set.FindColumn("intensity"), nullptr);
