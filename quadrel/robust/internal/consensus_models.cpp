@@ -77,35 +77,26 @@ inline double Distance2(const Hypothesis &h, double x, double y, double z) {
   }
 }
 
-template <ConsensusShape S>
+// The score of points begin .. end - 1; with Collect, the indices of the
+// inliers go to out as well. The collecting loop has no branch: every index is
+// written and kept only for an inlier, as inliers and outliers come in random
+// order, which a branch would mispredict half of the time. Both loops add the
+// same terms in the same order, so they give the same score.
+template <ConsensusShape S, bool Collect>
 RangeScore ScoreRangeOf(const Hypothesis &h, const PointColumns &c, std::int64_t begin,
-                        std::int64_t end, double t2) {
+                        std::int64_t end, double t2, std::int64_t *out) {
   RangeScore score;
   double sum = 0.0;
   std::int64_t count = 0;
   for (std::int64_t i = begin; i < end; ++i) {
     const double d2 = Distance2<S>(h, c.x[i], c.y[i], c.z[i]);
+    if constexpr (Collect) out[count] = i;
     count += d2 <= t2 ? 1 : 0;
     sum += std::min(d2, t2);
   }
   score.sum = sum;
   score.count = count;
   return score;
-}
-
-template <ConsensusShape S>
-void CollectOf(const Hypothesis &h, const PointColumns &c, double t2,
-               std::vector<std::int64_t> &inliers, double &sumSquares) {
-  inliers.clear();
-  double sum = 0.0;
-  for (std::int64_t i = 0; i < c.n; ++i) {
-    const double d2 = Distance2<S>(h, c.x[i], c.y[i], c.z[i]);
-    if (d2 <= t2) {
-      inliers.push_back(i);
-      sum += d2;
-    }
-  }
-  sumSquares = sum;
 }
 
 // Calls f with the shape as a compile-time constant, so that each shape gets
@@ -244,12 +235,14 @@ double SquaredDistance(ConsensusShape shape, const Hypothesis &h, double x, doub
 
 RangeScore ScoreRange(ConsensusShape shape, const Hypothesis &h, const PointColumns &c,
                       std::int64_t begin, std::int64_t end, double t2) {
-  return ForShape(shape, [&](auto s) { return ScoreRangeOf<s()>(h, c, begin, end, t2); });
+  return ForShape(shape,
+                  [&](auto s) { return ScoreRangeOf<s(), false>(h, c, begin, end, t2, nullptr); });
 }
 
-void CollectInliers(ConsensusShape shape, const Hypothesis &h, const PointColumns &c, double t2,
-                    std::vector<std::int64_t> &inliers, double &sumSquares) {
-  ForShape(shape, [&](auto s) { CollectOf<s()>(h, c, t2, inliers, sumSquares); });
+RangeScore CollectRange(ConsensusShape shape, const Hypothesis &h, const PointColumns &c,
+                        std::int64_t begin, std::int64_t end, double t2, std::int64_t *out) {
+  return ForShape(shape,
+                  [&](auto s) { return ScoreRangeOf<s(), true>(h, c, begin, end, t2, out); });
 }
 
 bool RefitInliers(ConsensusShape shape, const PointColumns &c,

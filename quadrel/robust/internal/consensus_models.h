@@ -51,10 +51,10 @@ double SquaredDistance(ConsensusShape shape, const Hypothesis &model, double x, 
 RangeScore ScoreRange(ConsensusShape shape, const Hypothesis &model, const PointColumns &cloud,
                       std::int64_t begin, std::int64_t end, double t2);
 
-// The column numbers of the points within the threshold (d^2 <= t2), ascending,
-// and the sum of their squared distances in that order.
-void CollectInliers(ConsensusShape shape, const Hypothesis &model, const PointColumns &cloud,
-                    double t2, std::vector<std::int64_t> &inliers, double &sumSquares);
+// ScoreRange, and the column numbers of the inliers (d^2 <= t2) among the
+// points, ascending, in out[0 .. count - 1]; out has room for end - begin.
+RangeScore CollectRange(ConsensusShape shape, const Hypothesis &model, const PointColumns &cloud,
+                        std::int64_t begin, std::int64_t end, double t2, std::int64_t *out);
 
 // The least-squares fit of the library (LineFit, PlaneFit, CircleFit, SphereFit,
 // GaussianCylinderFit) to the listed points of cloud, or to limit of them

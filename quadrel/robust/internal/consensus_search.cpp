@@ -6,6 +6,7 @@
 // one score.
 #include "quadrel/robust/internal/consensus_search.h"
 
+#include <algorithm>
 #include <cmath>
 
 #include "quadrel/robust/internal/counter_random.h"
@@ -29,29 +30,33 @@ constexpr double kPreviewSigmas = 3.5;
 constexpr int kRefineRounds = 8;
 
 // Local optimisation fits at most this many of the inliers, spread evenly over
-// them: enough to find the inlier set, while the final model is fitted to all.
+// them, and works on this many points spread evenly over a cloud that has
+// more than twice as many: enough to find the inlier set, while the final
+// model is fitted to every inlier of the whole cloud.
 constexpr std::size_t kLocalFitPoints = 32768;
+constexpr std::int64_t kLocalPoints = 32768;
 
 double RatioOf(std::int64_t count, std::int64_t n) {
   return static_cast<double>(count) / static_cast<double>(n);
 }
 
-// Least squares on the inliers of best, repeated while the refit lowers the
-// score and the inlier count grows.
-void LocalOptimise(ConsensusShape shape, const PointColumns &cloud, double t2, BlockPool &pool,
-                   Hypothesis &best, RangeScore &bestScore) {
-  std::vector<std::int64_t> inliers;
-  double sumSquares = 0.0;
-  inliers.reserve(static_cast<std::size_t>(bestScore.count));
+// Least squares on the inliers of model among points (a spread of the cloud
+// or the cloud itself), repeated while the refit lowers the score there and
+// the inlier count grows. score is the model's score over points, before and
+// after.
+void LocalOptimise(ConsensusShape shape, const PointColumns &points, double t2, BlockPool &pool,
+                   Hypothesis &model, RangeScore &score) {
+  std::vector<std::int64_t> slots, inliers, next;
+  score = CollectCloud(shape, model, points, t2, pool, slots, inliers);
   for (int round = 0; round < kRefineRounds; ++round) {
-    CollectInliers(shape, best, cloud, t2, inliers, sumSquares);
-    Hypothesis refit = best;
-    if (!RefitInliers(shape, cloud, inliers, refit, kLocalFitPoints)) return;
-    const RangeScore score = ScoreCloud(shape, refit, cloud, t2, pool);
-    if (!(score.sum < bestScore.sum)) return;
-    const bool grew = score.count > bestScore.count;
-    best = refit;
-    bestScore = score;
+    Hypothesis refit = model;
+    if (!RefitInliers(shape, points, inliers, refit, kLocalFitPoints)) return;
+    const RangeScore refitScore = CollectCloud(shape, refit, points, t2, pool, slots, next);
+    if (!(refitScore.sum < score.sum)) return;
+    const bool grew = refitScore.count > score.count;
+    model = refit;
+    score = refitScore;
+    inliers.swap(next);
     if (!grew) return;
   }
 }
@@ -120,6 +125,33 @@ RangeScore ScoreCloud(ConsensusShape shape, const Hypothesis &model, const Point
   return total;
 }
 
+RangeScore CollectCloud(ConsensusShape shape, const Hypothesis &model, const PointColumns &cloud,
+                        double t2, BlockPool &pool, std::vector<std::int64_t> &slots,
+                        std::vector<std::int64_t> &inliers) {
+  // Each block writes its inliers into slots from its own first slot; they
+  // are then joined in block order.
+  const std::int64_t blocks = (cloud.n + kScoreBlock - 1) / kScoreBlock;
+  if (slots.size() < static_cast<std::size_t>(cloud.n))
+    slots.resize(static_cast<std::size_t>(cloud.n));
+  std::vector<RangeScore> parts(static_cast<std::size_t>(blocks));
+  pool.Run(blocks, [&](std::int64_t b) {
+    const std::int64_t begin = b * kScoreBlock;
+    const std::int64_t end = begin + kScoreBlock < cloud.n ? begin + kScoreBlock : cloud.n;
+    parts[static_cast<std::size_t>(b)] =
+        CollectRange(shape, model, cloud, begin, end, t2, slots.data() + begin);
+  });
+  RangeScore total;
+  inliers.clear();
+  for (std::int64_t b = 0; b < blocks; ++b) {
+    const RangeScore &part = parts[static_cast<std::size_t>(b)];
+    const auto first = slots.begin() + b * kScoreBlock;
+    inliers.insert(inliers.end(), first, first + part.count);
+    total.sum += part.sum;
+    total.count += part.count;
+  }
+  return total;
+}
+
 SearchOutcome SearchConsensus(ConsensusShape shape, const PointColumns &cloud,
                               const ConsensusOptions &options, std::uint64_t stream,
                               BlockPool &pool) {
@@ -148,6 +180,22 @@ SearchOutcome SearchConsensus(ConsensusShape shape, const PointColumns &cloud,
   std::int64_t chosen[8];
   double coordinates[3][8];
   const PointColumns sample = {coordinates[0], coordinates[1], coordinates[2], s};
+
+  // The points of local optimisation: every (n / kLocalPoints)-th point, in
+  // effect, of a large cloud.
+  std::vector<double> spread;
+  PointColumns local = cloud;
+  if (n > 2 * kLocalPoints) {
+    spread.resize(3 * kLocalPoints);
+    for (std::int64_t k = 0; k < kLocalPoints; ++k) {
+      const std::int64_t i = k * n / kLocalPoints;
+      spread[k] = cloud.x[i];
+      spread[kLocalPoints + k] = cloud.y[i];
+      spread[2 * kLocalPoints + k] = cloud.z[i];
+    }
+    local = {spread.data(), spread.data() + kLocalPoints, spread.data() + 2 * kLocalPoints,
+             kLocalPoints};
+  }
 
   bool found = false;
   Hypothesis best;
@@ -183,7 +231,14 @@ SearchOutcome SearchConsensus(ConsensusShape shape, const PointColumns &cloud,
     found = true;
     best = h;
     bestScore = score;
-    LocalOptimise(shape, cloud, t2, pool, best, bestScore);
+    Hypothesis refined = h;
+    RangeScore refinedScore;
+    LocalOptimise(shape, local, t2, pool, refined, refinedScore);
+    if (local.n != n) refinedScore = ScoreCloud(shape, refined, cloud, t2, pool);
+    if (refinedScore.sum < bestScore.sum) {
+      best = refined;
+      bestScore = refinedScore;
+    }
     needed =
         IterationsNeeded(RatioOf(bestScore.count, n), s, options.confidence, options.maxIterations);
   }
@@ -196,25 +251,22 @@ SearchOutcome SearchConsensus(ConsensusShape shape, const PointColumns &cloud,
   // The model returned is the least-squares fit of its inliers. Fits of at
   // most kLocalFitPoints of them are repeated until the inlier set no longer
   // changes; the last fit then takes every inlier when there are more.
-  double sumSquares = 0.0;
-  CollectInliers(shape, best, cloud, t2, out.inliers, sumSquares);
-  std::vector<std::int64_t> next;
-  next.reserve(out.inliers.size());
-  for (int round = 0; round < kRefineRounds; ++round) {
+  std::vector<std::int64_t> slots, next;
+  CollectCloud(shape, best, cloud, t2, pool, slots, out.inliers);
+  bool settled = false;
+  for (int round = 0; round < kRefineRounds && !settled; ++round) {
     Hypothesis refit = best;
     if (!RefitInliers(shape, cloud, out.inliers, refit, kLocalFitPoints)) break;
-    double nextSum = 0.0;
-    CollectInliers(shape, refit, cloud, t2, next, nextSum);
+    CollectCloud(shape, refit, cloud, t2, pool, slots, next);
     if (next.size() < static_cast<std::size_t>(s)) break;
     best = refit;
-    sumSquares = nextSum;
-    const bool same = next == out.inliers;
+    settled = next == out.inliers;
     out.inliers.swap(next);
-    if (same) break;
   }
-  if (out.inliers.size() > kLocalFitPoints && RefitInliers(shape, cloud, out.inliers, best)) {
-    sumSquares = SumOfSquares(shape, best, cloud, out.inliers);
+  if (!settled || out.inliers.size() > kLocalFitPoints) {
+    RefitInliers(shape, cloud, out.inliers, best);
   }
+  const double sumSquares = SumOfSquares(shape, best, cloud, out.inliers);
   out.model = best;
   const std::int64_t count = static_cast<std::int64_t>(out.inliers.size());
   out.rms = count > 0 ? std::sqrt(sumSquares / static_cast<double>(count)) : 0.0;

@@ -29,6 +29,12 @@ std::int64_t IterationsNeeded(double inlierRatio, int sampleSize, double confide
 RangeScore ScoreCloud(ConsensusShape shape, const Hypothesis &model, const PointColumns &cloud,
                       double t2, BlockPool &pool);
 
+// ScoreCloud, and the column numbers of the inliers, ascending, in inliers.
+// slots is room for one index per point, kept by the caller between calls.
+RangeScore CollectCloud(ConsensusShape shape, const Hypothesis &model, const PointColumns &cloud,
+                        double t2, BlockPool &pool, std::vector<std::int64_t> &slots,
+                        std::vector<std::int64_t> &inliers);
+
 // What a search found; inliers are column numbers of its cloud.
 struct SearchOutcome {
   ConsensusStatus status = ConsensusStatus::kBadArgument;
