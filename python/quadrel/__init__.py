@@ -38,12 +38,14 @@ from __future__ import annotations
 import functools
 import math
 import os
-from typing import Any, Dict, Optional, Tuple, Union
+from typing import Any, Callable, Dict, Optional, Tuple, Union
 
 import numpy as np
 
 from . import _args
+from . import _metrology
 from . import _quadrel
+from . import _robust
 from ._results import (
     Circle,
     Crossing,
@@ -82,8 +84,19 @@ __all__ = [
 from ._io import PointFile, ReadError, read_points  # noqa: E402
 from ._metrology import *  # noqa: E402,F401,F403
 from ._metrology import __all__ as _metrology_names  # noqa: E402
+from ._robust import (  # noqa: E402
+    ROBUST_SHAPES,
+    Extraction,
+    RobustCircle,
+    RobustCylinder,
+    RobustLine,
+    RobustPlane,
+    RobustSphere,
+)
 
 __all__ += ["read_points", "PointFile", "ReadError", *_metrology_names]
+__all__ += ["extract", "ROBUST_SHAPES", "Extraction", "RobustLine", "RobustPlane", "RobustCircle",
+            "RobustSphere", "RobustCylinder"]  # fmt: skip
 
 __version__ = "0.2.0"
 
@@ -102,51 +115,131 @@ def _column(vector: np.ndarray) -> np.ndarray:
 # ---------------------------------------------------------------- shape fits
 
 
-def fit_line(points: Any) -> Line:
+def _line(p: np.ndarray) -> Line:
+    centroid, direction, residuals = _quadrel.line_fit(p.T)
+    return Line(_flat(centroid), _flat(direction), _flat(residuals))
+
+
+def _plane(p: np.ndarray) -> Plane:
+    centroid, normal, residuals = _quadrel.plane_fit(p.T)
+    return Plane(_flat(centroid), _flat(normal), _flat(residuals))
+
+
+def _circle(p: np.ndarray) -> Circle:
+    centre, normal, radius, residuals = _quadrel.circle_fit(p.T)
+    return Circle(_flat(centre), _flat(normal), radius, _flat(residuals))
+
+
+def _sphere(p: np.ndarray) -> Sphere:
+    centre, radius, residuals = _quadrel.sphere_fit(p.T)
+    return Sphere(_flat(centre), radius, _flat(residuals))
+
+
+# The plain fit of each shape that a fit through outliers finds.
+_PLAIN_FITS: Dict[str, Callable[[np.ndarray], Any]] = {
+    "line": _line, "plane": _plane, "circle": _circle, "sphere": _sphere,
+    "cylinder": _metrology._cylinder,
+}  # fmt: skip
+
+
+def fit_line(
+    points: Any, *, inlier_threshold: Optional[float] = None, seed: Optional[int] = None,
+    confidence: Optional[float] = None, max_iterations: Optional[int] = None,
+    threads: Optional[int] = None, min_inliers: Optional[int] = None,
+) -> Line:  # fmt: skip
     """Straight line through points (n, 3), n >= 2, by orthogonal regression.
 
     Returns Line(centroid (3,), direction (3,), residuals (n,)). Coincident
     points give direction (1, 0, 0) and zero residuals; so does data with NaN
     or infinities, which show in the centroid.
+
+    With inlier_threshold (and optionally seed, confidence, max_iterations,
+    threads, min_inliers): the line through outliers, a RobustLine (see
+    ``extract`` for the options).
     """
-    p = _args.points("fit_line", points, 2)
-    centroid, direction, residuals = _quadrel.line_fit(p.T)
-    return Line(_flat(centroid), _flat(direction), _flat(residuals))
+    search = _robust.search(seed, confidence, max_iterations, threads, min_inliers)
+    return _robust.dispatch("fit_line", "line", points, 2, _line, inlier_threshold, **search)
 
 
-def fit_plane(points: Any) -> Plane:
+def fit_plane(
+    points: Any, *, inlier_threshold: Optional[float] = None, seed: Optional[int] = None,
+    confidence: Optional[float] = None, max_iterations: Optional[int] = None,
+    threads: Optional[int] = None, min_inliers: Optional[int] = None,
+) -> Plane:  # fmt: skip
     """Plane through points (n, 3), n >= 2 (not all on one line for a
     meaningful plane), by orthogonal regression.
 
     Returns Plane(centroid (3,), normal (3,), residuals (n,)), the residuals
     signed distances, positive on the side the normal points to.
+
+    With inlier_threshold (and optionally seed, confidence, max_iterations,
+    threads, min_inliers): the plane through outliers, a RobustPlane.
     """
-    p = _args.points("fit_plane", points, 2)
-    centroid, normal, residuals = _quadrel.plane_fit(p.T)
-    return Plane(_flat(centroid), _flat(normal), _flat(residuals))
+    search = _robust.search(seed, confidence, max_iterations, threads, min_inliers)
+    return _robust.dispatch("fit_plane", "plane", points, 2, _plane, inlier_threshold, **search)
 
 
-def fit_circle(points: Any) -> Circle:
+def fit_circle(
+    points: Any, *, inlier_threshold: Optional[float] = None, seed: Optional[int] = None,
+    confidence: Optional[float] = None, max_iterations: Optional[int] = None,
+    threads: Optional[int] = None, min_inliers: Optional[int] = None,
+) -> Circle:  # fmt: skip
     """Circle in space through points (n, 3), n >= 3: the plane of the points,
     then the algebraic circle in it.
 
-    Returns Circle(centre (3,), normal (3,), radius, residuals (n,)).
+    Returns Circle(centre (3,), normal (3,), radius, residuals (n,)). With
+    inlier_threshold and the options of the search: a RobustCircle.
     """
-    p = _args.points("fit_circle", points, 3)
-    centre, normal, radius, residuals = _quadrel.circle_fit(p.T)
-    return Circle(_flat(centre), _flat(normal), radius, _flat(residuals))
+    search = _robust.search(seed, confidence, max_iterations, threads, min_inliers)
+    return _robust.dispatch("fit_circle", "circle", points, 3, _circle, inlier_threshold, **search)
 
 
-def fit_sphere(points: Any) -> Sphere:
+def fit_sphere(
+    points: Any, *, inlier_threshold: Optional[float] = None, seed: Optional[int] = None,
+    confidence: Optional[float] = None, max_iterations: Optional[int] = None,
+    threads: Optional[int] = None, min_inliers: Optional[int] = None,
+) -> Sphere:  # fmt: skip
     """Sphere through points (n, 3), n >= 4, by linear least squares on the
     algebraic distance.
 
     Returns Sphere(centre (3,), radius, residuals (n,)). Coplanar points give
-    the minimum-norm solution; NaN or infinities give NaN throughout.
+    the minimum-norm solution; NaN or infinities give NaN throughout. With
+    inlier_threshold and the options of the search: a RobustSphere.
     """
-    p = _args.points("fit_sphere", points, 4)
-    centre, radius, residuals = _quadrel.sphere_fit(p.T)
-    return Sphere(_flat(centre), radius, _flat(residuals))
+    search = _robust.search(seed, confidence, max_iterations, threads, min_inliers)
+    return _robust.dispatch("fit_sphere", "sphere", points, 4, _sphere, inlier_threshold, **search)
+
+
+def extract(
+    points: Any, shape: str, inlier_threshold: float, *, max_models: int = 10,
+    seed: int = 0, min_inliers: Optional[int] = None, confidence: float = 0.999,
+    max_iterations: int = 100000, threads: Optional[int] = None,
+) -> Extraction:  # fmt: skip
+    """Several models of one shape in one cloud, found through outliers.
+
+    points is (n, 3); shape one of ROBUST_SHAPES (line, plane, circle, sphere,
+    cylinder). The best model is found, its inliers (the points within
+    inlier_threshold of it, in the units of the points) are taken out, and the
+    search repeats on the rest until max_models models are found or a search
+    finds none with min_inliers inliers (default: the points of one sample).
+    Returns Extraction(labels (n,) int64: the model that took each point or
+    -1; models: one robust result per model, best first, as fit_plane(...,
+    inlier_threshold=...) gives it, its inliers (n,) over all points).
+
+    The search: samples drawn from seed (an integer in [0, 2**64)); the same
+    seed gives the same bits on every platform and for any number of threads
+    (default: every core) and the same bits as quadrel-fit. It stops once a
+    better model would be missed with probability below 1 - confidence, or
+    after max_iterations samples. Bad options raise ValueError or TypeError;
+    no model at all gives labels of -1 and no models.
+    """
+    func = "extract"
+    if not isinstance(shape, str) or shape not in ROBUST_SHAPES:
+        raise ValueError(f"{func}: shape must be one of {', '.join(ROBUST_SHAPES)}, got {shape!r}")
+    p = _args.points(func, points, _robust.MINIMUM_POINTS[shape])
+    opts = _robust.options(func, inlier_threshold, seed, confidence, max_iterations, threads, min_inliers)
+    count = _args.integer(func, "max_models", max_models, 1, 2**31 - 1)
+    return _robust.extract(func, shape, p, _PLAIN_FITS[shape], opts, count)
 
 
 def fit_ellipse(points: Any) -> Ellipse:
@@ -207,6 +300,35 @@ def shape_fields(shape: str) -> Tuple[str, ...]:
     raise RuntimeError(f"shape_fields: no built-in sample fits the shape {shape!r}")
 
 
+def _segment_columns(p: np.ndarray, raw: np.ndarray, shape: str, threads: int,
+                     order: Optional[np.ndarray] = None) -> Dict[str, np.ndarray]:  # fmt: skip
+    """The columns of fit_segments for checked points p (n, 3) and labels raw
+    (n,). Integer labels are grouped in the extension; others by np.unique.
+    Given order (n,) int64, the points of each segment go in ascending order
+    of it instead of input order."""
+    rank = None if order is None else np.ascontiguousarray(order, dtype=np.int64)
+    beyond_int64 = raw.dtype == np.uint64 and raw.size > 0 and raw.max() > np.iinfo(np.int64).max
+    if raw.dtype.kind in "iu" and not beyond_int64:
+        out = _quadrel.fit_segments(p, raw.astype(np.int64, copy=False), None, shape, threads, rank)
+        uniques = out["keys"].astype(raw.dtype, copy=False)
+    else:
+        uniques, codes = np.unique(raw, return_inverse=True)
+        names = [str(u) for u in uniques]
+        out = _quadrel.fit_segments(p, codes.astype(np.int64, copy=False), names, shape, threads, rank)
+    columns: Dict[str, np.ndarray] = {
+        "label": uniques, "points": out["points"], "status": out["status"],
+        "reason": np.array(out["reason"], dtype=object),
+    }  # fmt: skip
+    # When no segment fits, the fields still get their columns, all NaN.
+    fields = out["columns"] or shape_fields(shape)
+    values = out["values"] if out["columns"] else np.full((len(uniques), len(fields)), np.nan)
+    for k, column in enumerate(fields):
+        columns[column] = values[:, k]
+    columns["rms"] = out["rms"]
+    columns["max_residual"] = out["max_residual"]
+    return columns
+
+
 def fit_segments(points: Any, labels: Any, shape: str, *, threads: Optional[int] = None) -> Segments:
     """Fits one shape to every labelled segment of a point cloud.
 
@@ -232,21 +354,7 @@ def fit_segments(points: Any, labels: Any, shape: str, *, threads: Optional[int]
         raise TypeError(f"{name}: labels must be numbers or strings, got dtype {raw.dtype}")
     _check_shape(name, shape)
     count = len(os.sched_getaffinity(0)) if threads is None else _args.integer(name, "threads", threads, 1, 1024)
-    uniques, codes = np.unique(raw, return_inverse=True)
-    out = _quadrel.fit_segments(
-        np.ascontiguousarray(p), codes.astype(np.int64, copy=False), [str(u) for u in uniques], shape, count
-    )
-    columns: Dict[str, np.ndarray] = {
-        "label": uniques, "points": out["points"], "status": out["status"],
-        "reason": np.array(out["reason"], dtype=object),
-    }  # fmt: skip
-    # When no segment fits, the fields still get their columns, all NaN.
-    fields = out["columns"] or shape_fields(shape)
-    values = out["values"] if out["columns"] else np.full((len(uniques), len(fields)), np.nan)
-    for k, column in enumerate(fields):
-        columns[column] = values[:, k]
-    columns["rms"] = out["rms"]
-    columns["max_residual"] = out["max_residual"]
+    columns = _segment_columns(p, raw, shape, count)
     return Segments(shape, columns)
 
 

@@ -8,6 +8,15 @@ import numpy.typing as npt
 
 from ._io import PointFile as PointFile, ReadError as ReadError, read_points as read_points
 from ._metrology import *
+from ._robust import (
+    ROBUST_SHAPES as ROBUST_SHAPES,
+    Extraction as Extraction,
+    RobustCircle as RobustCircle,
+    RobustCylinder as RobustCylinder,
+    RobustLine as RobustLine,
+    RobustPlane as RobustPlane,
+    RobustSphere as RobustSphere,
+)
 
 __version__: str
 SEGMENT_SHAPES: Tuple[str, ...]
@@ -130,10 +139,39 @@ class Meeting(NamedTuple):
     point: Optional[_Array]
     direction: Optional[_Array]
 
+@overload
 def fit_line(points: _Points) -> Line: ...
+@overload
+def fit_line(
+    points: _Points, *, inlier_threshold: float, seed: Optional[int] = ..., confidence: Optional[float] = ...,
+    max_iterations: Optional[int] = ..., threads: Optional[int] = ..., min_inliers: Optional[int] = ...,
+) -> RobustLine: ...
+@overload
 def fit_plane(points: _Points) -> Plane: ...
+@overload
+def fit_plane(
+    points: _Points, *, inlier_threshold: float, seed: Optional[int] = ..., confidence: Optional[float] = ...,
+    max_iterations: Optional[int] = ..., threads: Optional[int] = ..., min_inliers: Optional[int] = ...,
+) -> RobustPlane: ...
+@overload
 def fit_circle(points: _Points) -> Circle: ...
+@overload
+def fit_circle(
+    points: _Points, *, inlier_threshold: float, seed: Optional[int] = ..., confidence: Optional[float] = ...,
+    max_iterations: Optional[int] = ..., threads: Optional[int] = ..., min_inliers: Optional[int] = ...,
+) -> RobustCircle: ...
+@overload
 def fit_sphere(points: _Points) -> Sphere: ...
+@overload
+def fit_sphere(
+    points: _Points, *, inlier_threshold: float, seed: Optional[int] = ..., confidence: Optional[float] = ...,
+    max_iterations: Optional[int] = ..., threads: Optional[int] = ..., min_inliers: Optional[int] = ...,
+) -> RobustSphere: ...
+def extract(
+    points: _Points, shape: str, inlier_threshold: float, *, max_models: int = ..., seed: int = ...,
+    min_inliers: Optional[int] = ..., confidence: float = ..., max_iterations: int = ...,
+    threads: Optional[int] = ...,
+) -> Extraction: ...
 def fit_ellipse(points: _Points) -> Ellipse: ...
 def fit_paraboloid(points: _Points) -> Paraboloid: ...
 def fit_segments(

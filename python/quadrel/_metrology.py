@@ -23,7 +23,7 @@ from __future__ import annotations
 
 import enum
 from dataclasses import dataclass
-from typing import Any, ClassVar, Tuple
+from typing import Any, ClassVar, Optional, Tuple
 
 import numpy as np
 
@@ -258,12 +258,26 @@ def gaussian_fit_sphere(points: Any) -> GaussianSphere:
     return _gaussian(GaussianSphere, report, centre=_flat(centre), radius=radius)
 
 
-def gaussian_fit_cylinder(points: Any) -> GaussianCylinder:
-    """Gaussian cylinder through points (n, 3), n >= 5, not collinear; the
-    start is the best of several trial axes across the scatter."""
+def _cylinder(points: Any) -> GaussianCylinder:
     report, axis_point, direction, radius = _call("gaussian_fit_cylinder", 5, points)
     return _gaussian(GaussianCylinder, report, axis_point=_flat(axis_point),
                      direction=_flat(direction), radius=radius)  # fmt: skip
+
+
+def gaussian_fit_cylinder(
+    points: Any, *, inlier_threshold: Optional[float] = None, seed: Optional[int] = None,
+    confidence: Optional[float] = None, max_iterations: Optional[int] = None,
+    threads: Optional[int] = None, min_inliers: Optional[int] = None,
+) -> GaussianCylinder:  # fmt: skip
+    """Gaussian cylinder through points (n, 3), n >= 5, not collinear; the
+    start is the best of several trial axes across the scatter. With
+    inlier_threshold (and the options of the search, as quadrel.extract takes
+    them): the cylinder through outliers, a RobustCylinder."""
+    from . import _robust
+
+    search = _robust.search(seed, confidence, max_iterations, threads, min_inliers)
+    return _robust.dispatch("gaussian_fit_cylinder", "cylinder", points, 5, _cylinder,
+                            inlier_threshold, **search)  # fmt: skip
 
 
 def gaussian_fit_cone(points: Any) -> GaussianCone:

@@ -14,6 +14,7 @@ void BindSegments(pybind11::module_ &m);
 void BindTiming(pybind11::module_ &m);
 void BindIo(pybind11::module_ &m);
 void BindMetrology(pybind11::module_ &m);
+void BindRobust(pybind11::module_ &m);
 
 }  // namespace quadrel_python
 

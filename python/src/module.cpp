@@ -16,4 +16,5 @@ PYBIND11_MODULE(_quadrel, m) {
   quadrel_python::BindTiming(m);
   quadrel_python::BindIo(m);
   quadrel_python::BindMetrology(m);
+  quadrel_python::BindRobust(m);
 }
