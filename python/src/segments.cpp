@@ -1,11 +1,13 @@
 // Fits of one shape to every segment of a labelled point cloud, on several
 // threads, through the front end's table of shapes: a segment that is too
 // small or degenerate gets its status and reason instead of numbers, and the
-// call goes on.
+// call goes on. The rows are grouped by a counting pass (or a sort, for keys
+// that spread far), never by a sort of the whole cloud in Python.
 #include <algorithm>
 #include <atomic>
 #include <cmath>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <thread>
 #include <vector>
@@ -32,10 +34,79 @@ struct SegmentResult {
   double largest = NAN;
 };
 
-// The segment's points, in input order, as the front end takes them.
-quadrel_io::PointSet SegmentPoints(const Source &points, const std::vector<std::int64_t> &rows,
-                                   const std::string &name) {
-  const std::size_t k = rows.size();
+// The rows of every segment: segment s holds rows[start[s]] up to
+// rows[start[s + 1]], in input order unless reordered.
+struct Groups {
+  std::vector<std::int64_t> rows;
+  std::vector<std::int64_t> start;
+  std::vector<std::int64_t> keys;  // the key of each segment, when grouped by key
+};
+
+// Groups rows by code in [0, segments) with one counting pass, each segment's
+// rows in input order.
+Groups GroupByCode(const std::int64_t *code, std::int64_t n, std::int64_t first,
+                   std::size_t segments) {
+  Groups groups;
+  groups.start.assign(segments + 1, 0);
+  for (std::int64_t i = 0; i < n; ++i)
+    ++groups.start[code[i] - first + 1];
+  for (std::size_t s = 0; s < segments; ++s)
+    groups.start[s + 1] += groups.start[s];
+  std::vector<std::int64_t> next(groups.start.begin(), groups.start.end() - 1);
+  groups.rows.resize(static_cast<std::size_t>(n));
+  for (std::int64_t i = 0; i < n; ++i)
+    groups.rows[next[code[i] - first]++] = i;
+  return groups;
+}
+
+// Groups rows by integer key, the segments in ascending key order and the
+// rows of each in input order: by counting when the keys span few values, by
+// sorting otherwise.
+Groups GroupByKey(const std::int64_t *key, std::int64_t n) {
+  if (n == 0) return Groups{{}, {0}, {}};
+  const auto [low, high] = std::minmax_element(key, key + n);
+  const std::uint64_t span = static_cast<std::uint64_t>(*high) - static_cast<std::uint64_t>(*low);
+  if (span < static_cast<std::uint64_t>(n) * 4 + 1024) {
+    Groups groups = GroupByCode(key, n, *low, static_cast<std::size_t>(span) + 1);
+    // Keep the keys that occur.
+    std::size_t kept = 0;
+    for (std::size_t v = 0; v + 1 < groups.start.size(); ++v) {
+      if (groups.start[v + 1] == groups.start[v]) continue;
+      groups.keys.push_back(*low + static_cast<std::int64_t>(v));
+      groups.start[kept++] = groups.start[v];
+    }
+    groups.start[kept] = n;
+    groups.start.resize(kept + 1);
+    return groups;
+  }
+  Groups groups;
+  groups.rows.resize(static_cast<std::size_t>(n));
+  for (std::int64_t i = 0; i < n; ++i)
+    groups.rows[i] = i;
+  std::stable_sort(groups.rows.begin(), groups.rows.end(),
+                   [key](std::int64_t a, std::int64_t b) { return key[a] < key[b]; });
+  for (std::int64_t i = 0; i < n; ++i) {
+    if (i > 0 && key[groups.rows[i]] == key[groups.rows[i - 1]]) continue;
+    groups.keys.push_back(key[groups.rows[i]]);
+    groups.start.push_back(i);
+  }
+  groups.start.push_back(n);
+  return groups;
+}
+
+// Puts the rows of every segment in ascending order of their order values.
+void OrderWithin(Groups &groups, const std::int64_t *order) {
+  const auto before = [order](std::int64_t a, std::int64_t b) { return order[a] < order[b]; };
+  for (std::size_t s = 0; s + 1 < groups.start.size(); ++s) {
+    const auto first = groups.rows.begin() + groups.start[s];
+    const auto last = groups.rows.begin() + groups.start[s + 1];
+    if (!std::is_sorted(first, last, before)) std::stable_sort(first, last, before);
+  }
+}
+
+// The segment's points, in the order of its rows, as the front end takes them.
+quadrel_io::PointSet SegmentPoints(const Source &points, const std::int64_t *rows, std::size_t k,
+                                   std::string name) {
   std::vector<double> axes[3];
   for (auto &axis : axes)
     axis.resize(k);
@@ -46,8 +117,9 @@ quadrel_io::PointSet SegmentPoints(const Source &points, const std::vector<std::
       axes[r][a] = point[r * points.colStride];
     origins[a] = rows[a] + 1;  // the row of the input, from 1
   }
-  return quadrel_io::PointSet(name, std::move(axes[0]), std::move(axes[1]), std::move(axes[2]),
-                              std::move(origins), quadrel_io::OriginKind::kRecord);
+  return quadrel_io::PointSet(std::move(name), std::move(axes[0]), std::move(axes[1]),
+                              std::move(axes[2]), std::move(origins),
+                              quadrel_io::OriginKind::kRecord);
 }
 
 SegmentResult FitSegment(const quadrel_frontend::ShapeEntry &shape,
@@ -95,35 +167,43 @@ void BindSegments(py::module_ &m) {
   m.def(
       "fit_segments",
       [](const Array &points, const py::array_t<std::int64_t, 0> &codes,
-         const std::vector<std::string> &names, const std::string &shapeName, int threads) {
+         const std::optional<std::vector<std::string>> &names, const std::string &shapeName,
+         int threads, const std::optional<py::array_t<std::int64_t, 0>> &order) {
         const quadrel_frontend::ShapeEntry *shape = quadrel_frontend::FindShape(shapeName);
         if (shape == nullptr) throw py::value_error("fit_segments: unknown shape " + shapeName);
         const Source source = Describe(points);
         if (codes.ndim() != 1 || codes.shape(0) != source.rows || source.cols != 3)
           throw py::value_error("fit_segments: one code per point of (n, 3) points expected");
+        const std::int64_t n = codes.shape(0);
+        if (order && (order->ndim() != 1 || order->shape(0) != n))
+          throw py::value_error("fit_segments: one order value per point expected");
         const std::int64_t *code = codes.data();
-        const std::size_t segments = names.size();
-        for (py::ssize_t i = 0; i < codes.shape(0); ++i)
-          if (code[i] < 0 || static_cast<std::size_t>(code[i]) >= segments)
-            throw py::value_error("fit_segments: segment code out of range");
+        const std::int64_t *rank = order ? order->data() : nullptr;
+        if (names) {
+          for (std::int64_t i = 0; i < n; ++i)
+            if (code[i] < 0 || static_cast<std::size_t>(code[i]) >= names->size())
+              throw py::value_error("fit_segments: segment code out of range");
+        }
 
-        std::vector<SegmentResult> results(segments);
-        std::vector<std::int64_t> counts(segments, 0);
+        Groups groups;
+        std::vector<SegmentResult> results;
         std::vector<std::string> columns;
         WithoutGil([&] {
-          // The rows of each segment in input order, by one counting pass.
-          std::vector<std::vector<std::int64_t>> rows(segments);
-          for (py::ssize_t i = 0; i < codes.shape(0); ++i)
-            ++counts[code[i]];
-          for (std::size_t s = 0; s < segments; ++s)
-            rows[s].reserve(counts[s]);
-          for (py::ssize_t i = 0; i < codes.shape(0); ++i)
-            rows[code[i]].push_back(i);
-
+          groups = names ? GroupByCode(code, n, 0, names->size()) : GroupByKey(code, n);
+          if (rank != nullptr) OrderWithin(groups, rank);
+          const std::size_t segments = groups.start.size() - 1;
+          // A segment's name appears in its reason only: integer keys are
+          // named by their decimal digits.
+          const auto points = [&](std::size_t s) {
+            return SegmentPoints(source, groups.rows.data() + groups.start[s],
+                                 static_cast<std::size_t>(groups.start[s + 1] - groups.start[s]),
+                                 names ? (*names)[s] : std::to_string(groups.keys[s]));
+          };
+          results.resize(segments);
           std::atomic<std::size_t> next{0};
           auto work = [&] {
             for (std::size_t s = next++; s < segments; s = next++)
-              results[s] = FitSegment(*shape, SegmentPoints(source, rows[s], names[s]));
+              results[s] = FitSegment(*shape, points(s));
           };
           std::vector<std::thread> pool;
           const int extra = std::max(0, std::min<int>(threads, static_cast<int>(segments)) - 1);
@@ -135,28 +215,30 @@ void BindSegments(py::module_ &m) {
 
           for (std::size_t s = 0; s < segments; ++s)
             if (results[s].status == 0) {
-              columns = ColumnNames(*shape, SegmentPoints(source, rows[s], names[s]));
+              columns = ColumnNames(*shape, points(s));
               break;
             }
         });
 
         // Columnar results; a refused segment has NaN in every number.
+        const std::size_t segments = results.size();
         const std::size_t width = columns.size();
         py::array_t<double> values({segments, width});
         py::array_t<double> rms(segments), largest(segments);
         py::array_t<std::int64_t> count(segments);
         py::array_t<std::int8_t> status(segments);
-        std::vector<std::string> reasons(segments);
+        py::list reasons(segments);
         auto v = values.mutable_unchecked<2>();
+        const py::str none;
         for (std::size_t s = 0; s < segments; ++s) {
           const SegmentResult &r = results[s];
           for (std::size_t c = 0; c < width; ++c)
             v(s, c) = r.status == 0 ? r.values[c] : NAN;
           rms.mutable_at(s) = r.rms;
           largest.mutable_at(s) = r.largest;
-          count.mutable_at(s) = counts[s];
+          count.mutable_at(s) = groups.start[s + 1] - groups.start[s];
           status.mutable_at(s) = static_cast<std::int8_t>(r.status);
-          reasons[s] = r.reason;
+          reasons[s] = r.reason.empty() ? none : py::str(r.reason);
         }
         py::dict out;
         out["columns"] = columns;
@@ -166,9 +248,11 @@ void BindSegments(py::module_ &m) {
         out["reason"] = reasons;
         out["rms"] = rms;
         out["max_residual"] = largest;
+        if (!names) out["keys"] = py::array_t<std::int64_t>(segments, groups.keys.data());
         return out;
       },
-      py::arg("points"), py::arg("codes"), py::arg("names"), py::arg("shape"), py::arg("threads"));
+      py::arg("points"), py::arg("codes"), py::arg("names"), py::arg("shape"), py::arg("threads"),
+      py::arg("order") = py::none());
 }
 
 }  // namespace quadrel_python
