@@ -2,12 +2,14 @@
 
 #include <utility>
 
+#include "quadrel/io/large_buffer.h"
+
 namespace quadrel_io {
 
 PointSet::PointSet(std::string name, std::vector<double> x, std::vector<double> y,
                    std::vector<double> z, std::vector<std::int64_t> origins, OriginKind originKind)
     : name_(std::move(name)), origins_(std::move(origins)), originKind_(originKind) {
-  values_.reserve(x.size() * 3);
+  ReserveLarge(values_, x.size() * 3);
   values_.insert(values_.end(), x.begin(), x.end());
   values_.insert(values_.end(), y.begin(), y.end());
   values_.insert(values_.end(), z.begin(), z.end());

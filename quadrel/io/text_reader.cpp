@@ -10,6 +10,7 @@
 #include <utility>
 #include <vector>
 
+#include "quadrel/io/large_buffer.h"
 #include "quadrel/io/read_error.h"
 #include "quadrel/io/shown_bytes.h"
 
@@ -129,6 +130,11 @@ PointSet ParsePointText(std::string_view text, const std::string &name,
   std::vector<int> extraOf;  // column -> index into extras, or -1
   std::string expected = options.columnNames;
   std::int64_t lineNumber = 0;
+  // Room for a point on every line, taken before the first is written.
+  const auto lineCount = static_cast<std::size_t>(std::count(text.begin(), text.end(), '\n')) + 1;
+  for (std::vector<double> &column : columns)
+    ReserveLarge(column, lineCount);
+  ReserveLarge(lines, lineCount);
   // A byte order mark, as some editors write at the start of UTF-8 files.
   size_t start = text.substr(0, 3) == "\xEF\xBB\xBF" ? 3 : 0;
   while (start < text.size()) {
