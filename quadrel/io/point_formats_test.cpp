@@ -155,6 +155,11 @@ TEST(Las, ReadsEveryPointFormatAsIntegersTimesScalePlusOffset) {
       EXPECT_EQ(set.FindColumn("nir") != nullptr, format == 8 || format == 10);
     }
   }
+  // A file of no points still has its columns, empty.
+  const PointSet none = ParsePoints(WriteLas(SampleCloud(), 1, 2, scale, offset), "none.las");
+  EXPECT_EQ(none.count(), 0);
+  ASSERT_NE(none.FindColumn("intensity"), nullptr);
+  EXPECT_TRUE(none.FindColumn("intensity")->values.empty());
 }
 
 TEST(PointFormats, RefuseBadFilesNamingTheLineOrByteAndTheFault) {

@@ -104,8 +104,10 @@ PointSet FinishCloud(RawCloud cloud, const std::string &name, const std::string 
       std::vector<double> values;
       ReserveLarge(values, records);
       values.resize(records);
-      ReadColumn(kept->data(), field.stride, field.offset, records, field.type, field.bigEndian,
-                 values.data());
+      if (records > 0) {
+        ReadColumn(kept->data(), field.stride, field.offset, records, field.type, field.bigEndian,
+                   values.data());
+      }
       if (field.mask != 0) {
         for (double &value : values)
           value = static_cast<double>((static_cast<unsigned>(value) >> field.shift) & field.mask);
