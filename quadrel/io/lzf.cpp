@@ -30,10 +30,15 @@ long long LzfDecompress(const unsigned char *input, std::size_t inputSize, unsig
     if (in >= inputSize) return -1;
     const std::size_t distance = ((static_cast<std::size_t>(control & 31) << 8) | input[in++]) + 1;
     if (distance > out || outputSize - out < length) return -1;
-    // Byte by byte: the source may overlap the bytes being written.
+    // A source that overlaps the bytes being written repeats its first
+    // `distance` bytes, so it is copied byte by byte.
     const unsigned char *from = output + out - distance;
-    for (std::size_t k = 0; k < length; ++k)
-      output[out + k] = from[k];
+    if (distance >= length) {
+      std::memcpy(output + out, from, length);
+    } else {
+      for (std::size_t k = 0; k < length; ++k)
+        output[out + k] = from[k];
+    }
     out += length;
   }
   return static_cast<long long>(out);
