@@ -22,6 +22,7 @@ from __future__ import annotations
 import argparse
 import contextlib
 import functools
+import inspect
 import sys
 from typing import Any, List, Optional, Sequence, Tuple
 
@@ -129,8 +130,18 @@ def _number_rows(part: pd.DataFrame, by: str, partition_info: Optional[dict] = N
     if len(part) >= 1 << _ROW_BITS:
         raise ValueError(f"fit_segments: a partition holds {len(part)} rows, more than {1 << _ROW_BITS}")
     order = (np.int64(number) << _ROW_BITS) + np.arange(len(part), dtype=np.int64)
-    numbered = part.assign(**{_ORDER: order})
+    # A shallow copy takes the new column without copying the others.
+    numbered = part.copy(deep=False)
+    numbered[_ORDER] = order
     return numbered[numbered[by].notna()] if part[by].hasnans else numbered
+
+
+def _shuffle(frame: dd.DataFrame, by: str) -> dd.DataFrame:
+    """The frame with all rows of each key in one partition, by Dask's task
+    shuffle (which also runs on the local schedulers) without the index,
+    which the fits do not need: moving it would cost as much as a column."""
+    method = "shuffle_method" if "shuffle_method" in inspect.signature(frame.shuffle).parameters else "shuffle"
+    return frame.shuffle(by, ignore_index=True, **{method: "tasks"})
 
 
 def _result_meta(frame_meta: pd.DataFrame, shape: str, by: str) -> pd.DataFrame:
@@ -144,15 +155,13 @@ def _result_meta(frame_meta: pd.DataFrame, shape: str, by: str) -> pd.DataFrame:
 def _fit_partition(part: pd.DataFrame, shape: str, by: str, columns: Tuple[str, ...],
                    meta: pd.DataFrame) -> pd.DataFrame:  # fmt: skip
     """Every segment of a shuffled partition, which holds all points of its
-    segments: sorted back into input order, then fitted in one call."""
-    order = np.argsort(part[_ORDER].to_numpy(), kind="stable")
-    labels = part[by].to_numpy()[order]
+    segments, fitted in one call that puts each segment's points back into
+    input order."""
+    labels = part[by].to_numpy()
     if labels.dtype.kind == "O":
         labels = labels.astype(str)
-    points = np.empty((len(order), 3))
-    for k, name in enumerate(columns):
-        points[:, k] = part[name].to_numpy(dtype=np.float64)[order]
-    result = quadrel.fit_segments(points, labels, shape, threads=1).columns
+    points = part[list(columns)].to_numpy(dtype=np.float64)
+    result = quadrel._segment_columns(points, labels, shape, 1, order=part[_ORDER].to_numpy())
     out = {by: pd.Series(result.pop("label")).astype(meta[by].dtype)}
     for name, column in result.items():
         out[name] = pd.Series(column, dtype=meta[name].dtype)
@@ -184,11 +193,11 @@ def fit_segments(frame: Any, shape: str, by: str = "segment",
     meta = _result_meta(ddf._meta, shape, by)
     if by in meta.columns[1:]:
         raise ValueError(f"{name}: by must not be one of the result columns, got {by!r}")
-    picked = ddf[[by, *names]]
+    picked = ddf if set(ddf.columns) == {by, *names} else ddf[[by, *names]]
     numbered = picked.map_partitions(
         _number_rows, by, meta=picked._meta.assign(**{_ORDER: np.int64(0)}).iloc[:0]
     )
-    shuffled = numbered.shuffle(by)
+    shuffled = _shuffle(numbered, by)
     # meta goes in a partial: as an argument of its own, Dask would take it
     # for a frame to align with.
     fit = functools.partial(_fit_partition, shape=shape, by=by, columns=names, meta=meta)
