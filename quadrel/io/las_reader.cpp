@@ -100,7 +100,8 @@ std::string LazMessage(const std::string &name) {
          "out.las' (PDAL)";
 }
 
-PointSet ParseLas(std::string_view content, const std::string &name) {
+PointSet ParseLas(std::string_view content, const std::string &name,
+                  const std::shared_ptr<const void> &owner) {
   auto fail = [&](std::size_t at, const std::string &fault) {
     throw ReadError(name, static_cast<std::int64_t>(at), fault, PositionKind::kByte);
   };
@@ -162,7 +163,7 @@ PointSet ParseLas(std::string_view content, const std::string &name) {
   cloud.Allocate(n);
   ScaleAxes(records, recordLength, n, scale, offset, cloud.axis(0), cloud.axis(1), cloud.axis(2));
   // The further fields are kept as bytes and read only when asked for.
-  cloud.StoreFields(records, recordLength, layout.fields, false);
+  cloud.StoreFields(records, recordLength, layout.fields, false, owner);
   return FinishCloud(std::move(cloud), name, "las");
 }
 

@@ -9,6 +9,7 @@
 #ifndef QUADREL_IO_LAS_READER_H
 #define QUADREL_IO_LAS_READER_H
 
+#include <memory>
 #include <string>
 #include <string_view>
 
@@ -18,7 +19,10 @@ namespace quadrel_io {
 
 // Parses the content of a LAS file; name is the source as messages show it.
 // A fault names its byte offset. Throws ReadError.
-PointSet ParseLas(std::string_view content, const std::string &name);
+// When owner keeps the bytes of content alive, the set keeps them for the
+// columns read later instead of a copy of them.
+PointSet ParseLas(std::string_view content, const std::string &name,
+                  const std::shared_ptr<const void> &owner = nullptr);
 
 // The message for a LAZ (compressed LAS) file, which is not read here: what
 // it is and how to decompress it.

@@ -274,7 +274,8 @@ void ReadAscii(std::string_view content, const std::string &name, const Header &
 }
 
 void ReadBinary(std::string_view content, const std::string &name, const Header &header,
-                const std::size_t axes[3], RawCloud &cloud) {
+                const std::size_t axes[3], RawCloud &cloud,
+                const std::shared_ptr<const void> &owner) {
   const auto count = static_cast<std::size_t>(header.points);
   const std::size_t room = content.size() - header.body;
   if (header.recordSize > 0 && room / header.recordSize < count) {
@@ -297,7 +298,7 @@ void ReadBinary(std::string_view content, const std::string &name, const Header 
     const Field &field = header.fields[f];
     if (IsKeptField(header, axes, f)) others.push_back({field.name, field.offset, field.scalar});
   }
-  cloud.StoreFields(records, header.recordSize, others, false);
+  cloud.StoreFields(records, header.recordSize, others, false, owner);
 }
 
 void ReadCompressed(std::string_view content, const std::string &name, const Header &header,
@@ -354,7 +355,7 @@ void ReadCompressed(std::string_view content, const std::string &name, const Hea
       ReadColumn(values->data() + start, stride, 0, count, field.scalar, false, cloud.axis(r));
     } else if (IsKeptField(header, axes, f)) {
       cloud.AddStoredColumn(field.name, {start, stride, field.scalar});
-      cloud.kept = values;
+      cloud.kept = std::shared_ptr<const char>(values, values->data());
     }
     start += stride * count;
   }
@@ -362,7 +363,8 @@ void ReadCompressed(std::string_view content, const std::string &name, const Hea
 
 }  // namespace
 
-PointSet ParsePcd(std::string_view content, const std::string &name) {
+PointSet ParsePcd(std::string_view content, const std::string &name,
+                  const std::shared_ptr<const void> &owner) {
   const Header header = ParseHeader(content, name);
   std::size_t axes[3];
   FindAxes(header, name, axes);
@@ -372,7 +374,7 @@ PointSet ParsePcd(std::string_view content, const std::string &name) {
       ReadAscii(content, name, header, axes, cloud);
       break;
     case Data::kBinary:
-      ReadBinary(content, name, header, axes, cloud);
+      ReadBinary(content, name, header, axes, cloud, owner);
       break;
     case Data::kCompressed:
       ReadCompressed(content, name, header, axes, cloud);

@@ -9,6 +9,7 @@
 #ifndef QUADREL_IO_PCD_READER_H
 #define QUADREL_IO_PCD_READER_H
 
+#include <memory>
 #include <string>
 #include <string_view>
 
@@ -19,7 +20,10 @@ namespace quadrel_io {
 // Parses the content of a PCD file; name is the source as messages show it.
 // A fault of the header or of an ASCII body names its line, of a binary body
 // its byte offset. Throws ReadError.
-PointSet ParsePcd(std::string_view content, const std::string &name);
+// When owner keeps the bytes of content alive, the set keeps them for the
+// columns read later instead of a copy of them.
+PointSet ParsePcd(std::string_view content, const std::string &name,
+                  const std::shared_ptr<const void> &owner = nullptr);
 
 }  // namespace quadrel_io
 

@@ -264,7 +264,8 @@ bool ListSize(std::string_view content, std::size_t at, const Property &property
 }
 
 void ReadBinary(std::string_view content, const std::string &name, const Layout &layout,
-                std::size_t vertexIndex, const int axes[3], RawCloud &cloud) {
+                std::size_t vertexIndex, const int axes[3], RawCloud &cloud,
+                const std::shared_ptr<const void> &owner) {
   const bool big = layout.encoding == Encoding::kBig;
   std::size_t at = layout.body;
   auto ends = [&](const Element &element, std::int64_t record, std::size_t where) {
@@ -297,7 +298,7 @@ void ReadBinary(std::string_view content, const std::string &name, const Layout 
             others.push_back({property.name, property.offset, property.type});
           }
         }
-        cloud.StoreFields(content.data() + at, element.size, others, big);
+        cloud.StoreFields(content.data() + at, element.size, others, big, owner);
       }
       at += element.size * count;
       continue;
@@ -338,7 +339,8 @@ void ReadBinary(std::string_view content, const std::string &name, const Layout 
 
 }  // namespace
 
-PointSet ParsePly(std::string_view content, const std::string &name) {
+PointSet ParsePly(std::string_view content, const std::string &name,
+                  const std::shared_ptr<const void> &owner) {
   const Layout layout = ParseHeader(content, name);
   std::size_t vertexIndex = layout.elements.size();
   for (std::size_t e = 0; e < layout.elements.size(); ++e) {
@@ -356,7 +358,7 @@ PointSet ParsePly(std::string_view content, const std::string &name) {
   if (layout.encoding == Encoding::kAscii) {
     ReadAscii(content, name, layout, vertexIndex, axes, cloud);
   } else {
-    ReadBinary(content, name, layout, vertexIndex, axes, cloud);
+    ReadBinary(content, name, layout, vertexIndex, axes, cloud, owner);
   }
   return FinishCloud(std::move(cloud), name, "ply");
 }

@@ -31,8 +31,17 @@ double *RawCloud::AddColumn(std::string name) {
 }
 
 void RawCloud::StoreFields(const char *at, std::size_t stride,
-                           const std::vector<RecordField> &fields, bool bigEndian) {
+                           const std::vector<RecordField> &fields, bool bigEndian,
+                           const std::shared_ptr<const void> &owner) {
   if (fields.empty()) return;
+  if (owner != nullptr) {
+    kept = std::shared_ptr<const char>(owner, at);
+    for (const RecordField &field : fields) {
+      AddStoredColumn(field.name,
+                      {field.offset, stride, field.type, bigEndian, field.shift, field.mask});
+    }
+    return;
+  }
   // One span of bytes from the first field to the end of the last, copied
   // record by record.
   std::size_t first = stride, last = 0;
@@ -48,7 +57,7 @@ void RawCloud::StoreFields(const char *at, std::size_t stride,
   at += first;
   for (std::size_t k = 0; k < records; ++k, at += stride, to += width)
     std::memcpy(to, at, width);
-  kept = std::move(bytes);
+  kept = std::shared_ptr<const char>(bytes, bytes->data());
   for (const RecordField &field : fields) {
     AddStoredColumn(field.name,
                     {field.offset - first, width, field.type, bigEndian, field.shift, field.mask});
@@ -105,7 +114,7 @@ PointSet FinishCloud(RawCloud cloud, const std::string &name, const std::string 
       ReserveLarge(values, records);
       values.resize(records);
       if (records > 0) {
-        ReadColumn(kept->data(), field.stride, field.offset, records, field.type, field.bigEndian,
+        ReadColumn(kept.get(), field.stride, field.offset, records, field.type, field.bigEndian,
                    values.data());
       }
       if (field.mask != 0) {

@@ -51,7 +51,7 @@ struct RawCloud {
   std::size_t records = 0;
   std::vector<RawColumn> extras;
   // The bytes the stored columns are read from.
-  std::shared_ptr<const std::vector<char>> kept;
+  std::shared_ptr<const char> kept;
   // Takes room for the coordinates of count records.
   void Allocate(std::size_t count) {
     records = count;
@@ -69,9 +69,10 @@ struct RawCloud {
   }
   // Keeps the bytes of the fields of every record, records `stride` bytes
   // apart from `at`, and adds a stored column for each field, in their
-  // order. Records must be set; the kept bytes must be unset.
+  // order: the records themselves when owner keeps them alive, else a copy
+  // of the bytes of the fields. Records must be set; the kept bytes unset.
   void StoreFields(const char *at, std::size_t stride, const std::vector<RecordField> &fields,
-                   bool bigEndian);
+                   bool bigEndian, const std::shared_ptr<const void> &owner);
   std::int64_t width = 0;
   std::int64_t height = 0;
 };

@@ -18,15 +18,15 @@
 
 namespace quadrel_io {
 
-PointSet ParsePoints(std::string_view content, const std::string &name,
-                     const ReadOptions &options) {
+PointSet ParsePoints(std::string_view content, const std::string &name, const ReadOptions &options,
+                     const std::shared_ptr<const void> &owner) {
   switch (DetectFormat(content)) {
     case PointFormat::kPly:
-      return ParsePly(content, name);
+      return ParsePly(content, name, owner);
     case PointFormat::kPcd:
-      return ParsePcd(content, name);
+      return ParsePcd(content, name, owner);
     case PointFormat::kLas:
-      return ParseLas(content, name);
+      return ParseLas(content, name, owner);
     case PointFormat::kLaz:
       throw ReadError(name, 0, LazMessage(name));
     case PointFormat::kUnknown:
@@ -80,7 +80,9 @@ PointSet ReadPoints(const std::string &path, const ReadOptions &options) {
   const int error = errno;
   if (!standardInput) std::fclose(file);
   if (failed) throw ReadError(name, 0, "cannot read " + name + ": " + std::strerror(error));
-  return ParsePoints(std::string_view(content.get(), used), name, options);
+  // The set may keep the bytes of further columns, read when asked for.
+  const std::shared_ptr<const char[]> owner(std::move(content));
+  return ParsePoints(std::string_view(owner.get(), used), name, options, owner);
 }
 
 }  // namespace quadrel_io
