@@ -3,8 +3,9 @@
 // are made in memory, each is parsed (best of five runs) and reported in
 // MB/s, then read and fitted with a plane and a sphere, as quadrel-fit does
 // between its input and its output. Given a folder, it also writes the four
-// files there (points.ply, points.pcd, points.las, points.txt), to time
-// quadrel-fit on them.
+// files there (points.ply, points.pcd, points.las, points.txt), reports how
+// fast they are read from there (file MB/s: reading the file included), and
+// leaves them to time quadrel-fit on.
 //
 //   quadrel_read_bench [POINTS [FOLDER]]   (10000000 points unless given)
 #include <algorithm>
@@ -80,10 +81,11 @@ int main(int argc, char **argv) {
        WritePcd(cloud, PcdData::kCompressed, ScalarType::kFloat32)},
       {"LAS 1.2, point format 1", WriteLas(cloud, 1, 2, scale, offset)},
       {"text (x y z, 9 digits)", Text(cloud)}};
+  const char *const names[] = {"points.ply", "points.pcd", "points.las", "points.txt"};
+  std::string paths[4];
   if (argc > 2) {
-    const char *const names[] = {"points.ply", "points.pcd", "points.las", "points.txt"};
     for (int f = 0; f < 4; ++f) {
-      const std::string path = std::string(argv[2]) + "/" + names[f];
+      const std::string &path = paths[f] = std::string(argv[2]) + "/" + names[f];
       std::FILE *file = std::fopen(path.c_str(), "wb");
       const std::string &content = files[f].second;
       const bool written =
@@ -94,14 +96,21 @@ int main(int argc, char **argv) {
       }
     }
   }
-  std::printf("%-44s %10s %10s %12s %12s\n", "file", "MB", "MB/s", "plane s", "sphere s");
-  for (const auto &[what, content] : files) {
-    double best = 1e300;
+  std::printf("%-44s %8s %8s %12s %10s %10s\n", "file", "MB", "MB/s", "file MB/s", "plane s",
+              "sphere s");
+  for (int f = 0; f < 4; ++f) {
+    const auto &[what, content] = files[f];
+    double best = 1e300, bestFromFile = 1e300;
     for (int run = 0; run < 5; ++run) {
-      const auto start = Clock::now();
+      auto start = Clock::now();
       const quadrel_io::PointSet set = quadrel_io::ParsePoints(content, "bench");
       best = std::min(best, Seconds(start));
       if (set.count() != static_cast<int>(n)) std::abort();
+      if (paths[f].empty()) continue;
+      start = Clock::now();
+      const quadrel_io::PointSet read = quadrel_io::ReadPoints(paths[f]);
+      bestFromFile = std::min(bestFromFile, Seconds(start));
+      if (read.count() != static_cast<int>(n)) std::abort();
     }
     double fit[2];
     const char *shapes[] = {"plane", "sphere"};
@@ -114,8 +123,10 @@ int main(int argc, char **argv) {
       if (!result.outcome.ok()) std::abort();
     }
     const double megabytes = static_cast<double>(content.size()) / 1e6;
-    std::printf("%-44s %10.1f %10.0f %12.2f %12.2f\n", what, megabytes, megabytes / best, fit[0],
-                fit[1]);
+    const std::string fromFile =
+        paths[f].empty() ? "-" : std::to_string(std::lround(megabytes / bestFromFile));
+    std::printf("%-44s %8.1f %8.0f %12s %10.2f %10.2f\n", what, megabytes, megabytes / best,
+                fromFile.c_str(), fit[0], fit[1]);
   }
   return 0;
 }
