@@ -130,11 +130,15 @@ PointSet ParsePointText(std::string_view text, const std::string &name,
   std::vector<int> extraOf;  // column -> index into extras, or -1
   std::string expected = options.columnNames;
   std::int64_t lineNumber = 0;
-  // Room for a point on every line, taken before the first is written.
-  const auto lineCount = static_cast<std::size_t>(std::count(text.begin(), text.end(), '\n')) + 1;
+  // Room for a point on every line, taken before the first is written; a
+  // point takes 6 bytes at least ("0 0 0" and a line end), which bounds the
+  // room when most lines are blank.
+  const std::size_t room =
+      std::min(static_cast<std::size_t>(std::count(text.begin(), text.end(), '\n')) + 1,
+               (text.size() + 1) / 6);
   for (std::vector<double> &column : columns)
-    ReserveLarge(column, lineCount);
-  ReserveLarge(lines, lineCount);
+    ReserveLarge(column, room);
+  ReserveLarge(lines, room);
   // A byte order mark, as some editors write at the start of UTF-8 files.
   size_t start = text.substr(0, 3) == "\xEF\xBB\xBF" ? 3 : 0;
   while (start < text.size()) {
