@@ -8,7 +8,10 @@ namespace quadrel_io {
 
 PointSet::PointSet(std::string name, std::vector<double> x, std::vector<double> y,
                    std::vector<double> z, std::vector<std::int64_t> origins, OriginKind originKind)
-    : name_(std::move(name)), origins_(std::move(origins)), originKind_(originKind) {
+    : name_(std::move(name)),
+      count_(origins.size()),
+      origins_(std::move(origins)),
+      originKind_(originKind) {
   ReserveLarge(values_, x.size() * 3);
   values_.insert(values_.end(), x.begin(), x.end());
   values_.insert(values_.end(), y.begin(), y.end());
@@ -19,11 +22,31 @@ PointSet::PointSet(std::string name, std::vector<double> xyz, std::vector<std::i
                    OriginKind originKind)
     : name_(std::move(name)),
       values_(std::move(xyz)),
+      count_(origins.size()),
       origins_(std::move(origins)),
       originKind_(originKind) {}
 
+PointSet::PointSet(std::string name, std::vector<double> xyz)
+    : name_(std::move(name)),
+      values_(std::move(xyz)),
+      count_(values_.size() / 3),
+      inTurn_(true),
+      originKind_(OriginKind::kRecord) {}
+
+const std::vector<std::int64_t> &PointSet::origins() const {
+  if (inTurn_) {
+    const std::lock_guard<std::mutex> hold(columnLock_.mutex);
+    if (origins_.size() != count_) {
+      ReserveLarge(origins_, count_);
+      for (std::size_t k = 0; k < count_; ++k)
+        origins_.push_back(static_cast<std::int64_t>(k) + 1);
+    }
+  }
+  return origins_;
+}
+
 bool PointSet::AddColumn(std::string name, std::vector<double> values) {
-  if (values.size() != origins_.size() || ColumnIndex(name) < columns_.size()) return false;
+  if (values.size() != count_ || ColumnIndex(name) < columns_.size()) return false;
   columns_.push_back({std::move(name), std::move(values)});
   makers_.emplace_back();
   return true;
@@ -45,7 +68,7 @@ std::size_t PointSet::ColumnIndex(std::string_view name) const {
 
 void PointSet::MakeColumn(std::size_t c) const {
   if (!makers_[c]) return;
-  columns_[c].values = makers_[c](origins_);
+  columns_[c].values = makers_[c](inTurn_ ? std::vector<std::int64_t>() : origins_);
   makers_[c] = nullptr;
 }
 

@@ -39,22 +39,25 @@ class PointSet {
   // values per origin.
   PointSet(std::string name, std::vector<double> xyz, std::vector<std::int64_t> origins,
            OriginKind originKind);
+  // Takes the coordinates as one block, as above, of points that came from
+  // records 1, 2, 3, ... in turn: point k from record k + 1.
+  PointSet(std::string name, std::vector<double> xyz);
 
   // The source as messages show it: the path, or "<stdin>".
   const std::string &name() const { return name_; }
-  int count() const { return static_cast<int>(origins_.size()); }
+  int count() const { return static_cast<int>(count_); }
   // 3 * count() numbers: x of every point, then y, then z.
   const double *coordinates() const { return values_.data(); }
   // Axis r (0 for x, 1 for y, 2 for z) of every point, count() values.
-  const double *axis(int r) const {
-    return values_.data() + static_cast<std::size_t>(r) * origins_.size();
-  }
+  const double *axis(int r) const { return values_.data() + static_cast<std::size_t>(r) * count_; }
   // Axis r of point k; r in 0..2, k in 0..count()-1.
   double at(int r, int k) const { return axis(r)[k]; }
   // Where point k came from (see originKind()), from 1.
-  std::int64_t originOf(int k) const { return origins_[static_cast<std::size_t>(k)]; }
+  std::int64_t originOf(int k) const {
+    return inTurn_ ? std::int64_t{k} + 1 : origins_[static_cast<std::size_t>(k)];
+  }
   // The origin of every point, count() values.
-  const std::vector<std::int64_t> &origins() const { return origins_; }
+  const std::vector<std::int64_t> &origins() const;
   OriginKind originKind() const { return originKind_; }
 
   // The format the points were read from: "text", "ply", "pcd" or "las"
@@ -82,7 +85,8 @@ class PointSet {
   // Adds a named column; values must hold count() numbers and the name must
   // be new (the column is not added otherwise, and false comes back).
   bool AddColumn(std::string name, std::vector<double> values);
-  // Makes the values of a column from the origins of the points: count()
+  // Makes the values of a column from the origins of the points, or from an
+  // empty vector when point k came from record k + 1 for every k: count()
   // numbers, in the order of the points.
   using ColumnMaker = std::function<std::vector<double>(const std::vector<std::int64_t> &origins)>;
   // Adds a named column whose values are made when first asked for, by
@@ -97,7 +101,11 @@ class PointSet {
  private:
   std::string name_;
   std::vector<double> values_;
-  std::vector<std::int64_t> origins_;
+  std::size_t count_ = 0;
+  // Set when point k came from record k + 1 for every k; origins_ is then
+  // filled only when origins() is first asked for, under the lock.
+  bool inTurn_ = false;
+  mutable std::vector<std::int64_t> origins_;
   OriginKind originKind_ = OriginKind::kLine;
   std::string format_;
   std::int64_t skipped_ = 0;

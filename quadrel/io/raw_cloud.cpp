@@ -66,38 +66,45 @@ void RawCloud::StoreFields(const char *at, std::size_t stride,
 
 PointSet FinishCloud(RawCloud cloud, const std::string &name, const std::string &format) {
   const std::size_t records = cloud.records;
-  std::vector<std::int64_t> origins;
-  ReserveLarge(origins, records);
   const double *x = cloud.axis(0);
   const double *y = cloud.axis(1);
   const double *z = cloud.axis(2);
-  for (std::size_t k = 0; k < records; ++k) {
-    if (std::isfinite(x[k]) && std::isfinite(y[k]) && std::isfinite(z[k]))
-      origins.push_back(static_cast<std::int64_t>(k) + 1);
-  }
-  if (records > 0 && origins.empty()) {
+  // The records to leave out are counted first: in most files there are
+  // none, and the points then need no list of their origins.
+  std::size_t finite = 0;
+  for (std::size_t k = 0; k < records; ++k)
+    finite += std::isfinite(x[k]) && std::isfinite(y[k]) && std::isfinite(z[k]) ? 1 : 0;
+  if (records > 0 && finite == 0) {
     throw ReadError(name, 0,
                     name + " holds no point with finite x, y and z: all " +
                         std::to_string(records) +
                         " records are points without a return (NaN or infinite)");
   }
-  if (origins.size() > static_cast<std::size_t>(INT_MAX / 3)) {
+  if (finite > static_cast<std::size_t>(INT_MAX / 3)) {
     throw ReadError(name, 0,
-                    name + " holds " + std::to_string(origins.size()) + " points; at most " +
+                    name + " holds " + std::to_string(finite) + " points; at most " +
                         std::to_string(INT_MAX / 3) + " fit in one matrix");
   }
-  if (origins.size() != records) {
+  std::vector<std::int64_t> origins;
+  if (finite != records) {
+    ReserveLarge(origins, finite);
+    for (std::size_t k = 0; k < records; ++k) {
+      if (std::isfinite(x[k]) && std::isfinite(y[k]) && std::isfinite(z[k]))
+        origins.push_back(static_cast<std::int64_t>(k) + 1);
+    }
     // Axis by axis to the front of the block: every value moves down or
     // stays, so one pass in rising order overwrites nothing still needed.
-    const std::size_t kept = origins.size();
     for (std::size_t r = 0; r < 3; ++r)
-      for (std::size_t k = 0; k < kept; ++k)
-        cloud.xyz[r * kept + k] = cloud.xyz[r * records + static_cast<std::size_t>(origins[k] - 1)];
-    cloud.xyz.resize(3 * kept);
+      for (std::size_t k = 0; k < finite; ++k)
+        cloud.xyz[r * finite + k] =
+            cloud.xyz[r * records + static_cast<std::size_t>(origins[k] - 1)];
+    cloud.xyz.resize(3 * finite);
     for (RawColumn &column : cloud.extras)
       if (!column.stored) Compact(column.values, origins);
   }
-  PointSet set(name, std::move(cloud.xyz), std::move(origins), OriginKind::kRecord);
+  PointSet set = finite == records ? PointSet(name, std::move(cloud.xyz))
+                                   : PointSet(name, std::move(cloud.xyz), std::move(origins),
+                                              OriginKind::kRecord);
   set.setFormat(format);
   set.setSkipped(static_cast<std::int64_t>(records) - set.count());
   if (cloud.width > 0) set.setGrid(cloud.width, cloud.height);
@@ -121,7 +128,7 @@ PointSet FinishCloud(RawCloud cloud, const std::string &name, const std::string 
         for (double &value : values)
           value = static_cast<double>((static_cast<unsigned>(value) >> field.shift) & field.mask);
       }
-      if (origins.size() != records) Compact(values, origins);
+      if (!origins.empty() && origins.size() != records) Compact(values, origins);
       return values;
     });
   }
