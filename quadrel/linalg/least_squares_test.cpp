@@ -5,11 +5,6 @@
 #include <gtest/gtest.h>
 
 #include "quadrel/functions/constructors.h"
-#include "quadrel/functions/rearrange.h"
-#include "quadrel/linalg/direct.h"
-#include "quadrel/linalg/svd.h"
-#include "quadrel/matrix/operators.h"
-#include "quadrel/testing/alloc_counter.h"
 #include "quadrel/testing/test_util.h"
 
 namespace {
@@ -62,35 +57,6 @@ TEST(Lsq, RankThresholdGrowsWithTheRowCount) {
   // A wide system counts its padded rows: three here.
   EXPECT_TRUE(Near(Solve(MakeMatrix(2, 3, {1, 0, 0, 0, 5e-16, 0}), MakeCol({1, 1})),
                    MakeCol({1, 0, 0}), 0.0));
-}
-
-TEST(Lsq, AgreesWithTheNormalEquationsAndTheRowSpace) {
-  TestRandom random(41);
-  const int shapes[][3] = {{6, 3, 1}, {25, 4, 2}, {200, 6, 1}, {5, 5, 3}};
-  for (const auto &shape : shapes) {
-    SCOPED_TRACE(testing::Message() << shape[0] << " x " << shape[1]);
-    const CMatrix A = random.Matrix(shape[0], shape[1]), b = random.Matrix(shape[0], shape[2]);
-    CMatrix x;
-    const double cond = Lsq(A, b, x);
-    ASSERT_LT(cond, 100.0);
-    EXPECT_EQ(cond, Cond(A));
-    EXPECT_TRUE(Near(x, Inv(Transpose(A) * A) * (Transpose(A) * b), 1e-12));
-  }
-  // Under-determined: the exact solution of least norm, x = A' (A A')^-1 b.
-  const CMatrix A = random.Matrix(2, 4), b = MakeCol({0.5, -1.5});
-  EXPECT_TRUE(Near(Solve(A, b), Transpose(A) * (Inv(A * Transpose(A)) * b), 1e-13));
-}
-
-TEST(Lsq, AllocationsDoNotGrowWithRows) {
-  TestRandom random(47);
-  auto count = [&random](int rows) {
-    const CMatrix A = random.Matrix(rows, 3), b = random.Matrix(rows, 1);
-    CMatrix x;
-    AllocationScope scope;
-    Lsq(A, b, x);
-    return scope.Count();
-  };
-  EXPECT_EQ(count(100), count(10000));
 }
 
 }  // namespace

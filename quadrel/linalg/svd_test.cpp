@@ -1,13 +1,14 @@
 #include "quadrel/linalg/svd.h"
 
 #include <cmath>
-#include <cstring>
+#include <utility>
 
 #include <gtest/gtest.h>
 
 #include "quadrel/functions/constructors.h"
 #include "quadrel/functions/rearrange.h"
 #include "quadrel/linalg/internal/svd_core.h"
+#include "quadrel/linalg/least_squares.h"
 #include "quadrel/matrix/internal/contract.h"
 #include "quadrel/matrix/operators.h"
 #include "quadrel/testing/alloc_counter.h"
@@ -15,13 +16,10 @@
 
 namespace {
 
-TEST(SvdCore, ScalarHelpers) {
-  EXPECT_EQ(StableHypot(-4.0, 3.0), 5.0);
-  EXPECT_EQ(StableHypot(0.0, 0.0), 0.0);
-  EXPECT_NEAR(StableHypot(3e200, 4e200) / 5e200, 1.0, 1e-15);  // no overflow on the way
-  EXPECT_EQ(TransferSign(2.0, -1.0), -2.0);
-  EXPECT_EQ(TransferSign(-2.0, -0.0), 2.0);  // -0.0 counts as positive
-  EXPECT_EQ(MaxDouble(NAN, 1.0), 1.0);       // only a > b picks a
+// The engine's other scalar helpers are held to the literal engine in
+// svd_fast_test.cpp, whose results do not tell how MaxDouble treats NaN.
+TEST(SvdCore, MaxDoublePicksTheFirstOnlyWhenGreater) {
+  EXPECT_EQ(MaxDouble(NAN, 1.0), 1.0);
   EXPECT_TRUE(std::isnan(MaxDouble(1.0, NAN)));
 }
 
@@ -63,39 +61,21 @@ TEST(Svd, ConditionNumberOfSingularAndExtremeMatrices) {
   EXPECT_EQ(QuadrelDims(U) + ", " + QuadrelDims(S) + ", " + QuadrelDims(V), "3 x 0, 0 x 0, 0 x 0");
 }
 
-TEST(Svd, FactorsRebuildRandomMatricesAndCondAgreesBitForBit) {
-  TestRandom random(20240611);
-  // The wide shapes are factored as if padded with zero rows.
-  const int shapes[][2] = {{1, 1}, {3, 3}, {5, 3}, {8, 8}, {40, 12}, {12, 1}, {2, 4}, {1, 3}};
-  for (const auto &shape : shapes) {
-    const int m = shape[0], n = shape[1];
-    SCOPED_TRACE(testing::Message() << m << " x " << n);
-    const CMatrix A = random.Matrix(m, n, -10.0, 10.0);
-    CMatrix U, S, V;
-    const double r = Svd(A, U, S, V), c = Cond(A);
-    ASSERT_EQ(QuadrelDims(U) + ", " + QuadrelDims(S), QuadrelDims(A) + ", " + QuadrelDims(V));
-    EXPECT_TRUE(Near(U * S * Transpose(V), A, 1e-12 * (m + n)));
-    EXPECT_TRUE(Near(Transpose(V) * V, Eye(n), 1e-14 * n));
-    int zeros = 0;
-    for (int i = 0; i < n; ++i)
-      zeros += std::fabs(S(i, i)) < 1e-14;
-    EXPECT_EQ(zeros, m < n ? n - m : 0);
-    EXPECT_EQ(std::memcmp(&r, &c, sizeof r), 0);
-  }
-}
-
-TEST(Svd, SmallMatricesStayOffTheHeapAndAllocationsDoNotGrowWithRows) {
+TEST(Svd, SmallMatricesStayOffTheHeapAndAllocationsOfSvdAndLsqDoNotGrowWithRows) {
   TestRandom random(3);
   // Allocations of a second call, whose outputs have their shape already.
   auto count = [&random](int rows) {
-    const CMatrix A = random.Matrix(rows, 3);
-    CMatrix U, S, V;
+    const CMatrix A = random.Matrix(rows, 3), b = random.Matrix(rows, 1);
+    CMatrix U, S, V, x;
     Svd(A, U, S, V);
+    Lsq(A, b, x);
     AllocationScope scope;
     Svd(A, U, S, V);
-    return scope.Count();
+    const std::size_t svd = scope.Count();
+    Lsq(A, b, x);
+    return std::make_pair(svd, scope.Count() - svd);
   };
-  EXPECT_EQ(count(3), 0u);
+  EXPECT_EQ(count(3).first, 0u);
   EXPECT_EQ(count(100), count(10000));
 }
 

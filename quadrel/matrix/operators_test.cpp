@@ -6,30 +6,21 @@
 
 #include "quadrel/testing/test_util.h"
 
-TEST(Operators, StarIsTheProductAndCaretElementWise) {
-  EXPECT_TRUE(SameBits(MakeRow({2, 3}) ^ MakeRow({4, 5}), MakeRow({8, 15})));
+// Order, signed zeros, spare rows and permuted operands of the product are
+// held to the literal product in operators_fast_test.cpp.
+TEST(Operators, StarIsTheMatrixProductAndSkipsNoTerm) {
   const CMatrix A = MakeMatrix(2, 3, {1, 2, 3, 4, 5, 6});
   const CMatrix B = MakeMatrix(3, 4, {1, 0, 2, -1, 0, 1, 3, 2, 1, 1, 0, 4});
   EXPECT_TRUE(SameBits(A * B, MakeMatrix(2, 4, {4, 5, 8, 15, 10, 11, 23, 30})));
-  // Rows of B beyond A's columns are ignored; an empty inner dimension gives zeros.
-  EXPECT_TRUE(SameBits(A * MakeMatrix(4, 2, {1, 2, 3, 4, 5, 6, 100, 100}),
-                       MakeMatrix(2, 2, {22, 28, 49, 64})));
-  EXPECT_TRUE(SameBits(CMatrix(2, 0) * CMatrix(0, 3), CMatrix(0.0, 2, 3)));
-  // A plain running sum in rising k from +0.0: 1e16 + 1 loses the 1, and a
-  // -0.0 term gives +0.0.
-  const CMatrix ones = MakeCol({1, 1, 1});
-  EXPECT_EQ((MakeRow({1e16, 1, -1e16}) * ones)(0), 0.0);
-  EXPECT_EQ((MakeRow({1e16, -1e16, 1}) * ones)(0), 1.0);
-  EXPECT_FALSE(std::signbit((MakeRow({-0.0}) * MakeCol({1.0}))(0)));
   // No term is skipped for a zero factor (inf * 0 is NaN), on either route:
   // fewer than four rows, or the kernel's blocks of four.
   for (const int rows : {2, 4}) {
-    CMatrix A(rows, 2), expected(rows, 2);
+    CMatrix Z(rows, 2), expected(rows, 2);
     for (int i = 0; i < rows; ++i) {
-      A.SetRow(i % 2 ? MakeRow({2, INFINITY}) : MakeRow({0, 1}), i);
+      Z.SetRow(i % 2 ? MakeRow({2, INFINITY}) : MakeRow({0, 1}), i);
       expected.SetRow(i % 2 ? MakeRow({INFINITY, NAN}) : MakeRow({NAN, 0}), i);
     }
-    EXPECT_TRUE(SameValues(A * MakeMatrix(2, 2, {INFINITY, 1, 1, 0}), expected)) << rows;
+    EXPECT_TRUE(SameValues(Z * MakeMatrix(2, 2, {INFINITY, 1, 1, 0}), expected)) << rows;
   }
 }
 
@@ -96,14 +87,4 @@ TEST(Operators, EmptyShapesPassThrough) {
     for (const CMatrix &R : results)
       EXPECT_TRUE(SameBits(R, E));
   }
-}
-
-TEST(Operators, ReadOperandsThroughTheColumnTable) {
-  CMatrix A = MakeMatrix(2, 3, {1, 2, 3, 4, 5, 6});
-  A.SwapCols(0, 2);
-  const CMatrix seen = MakeMatrix(2, 3, {3, 2, 1, 6, 5, 4});
-  EXPECT_TRUE(SameBits(A + 0.0, seen));
-  EXPECT_TRUE(SameBits(MakeRow({1, 0}) * A, MakeRow({3, 2, 1})));
-  A += 1.0;
-  EXPECT_TRUE(SameBits(A, seen + 1.0));
 }
