@@ -42,11 +42,21 @@ struct Groups {
   std::vector<std::int64_t> keys;  // the key of each segment, when grouped by key
 };
 
+// Buffers kept from one call to the next on the same thread, up to a bound:
+// in a worker that fits partition after partition, fresh pages for every
+// call cost more than the grouping itself.
+struct Scratch {
+  std::vector<std::int64_t> rows;
+  std::vector<double> axes[3];
+  static constexpr std::size_t kKeep = std::size_t{1} << 21;  // rows
+};
+
 // Groups rows by code in [0, segments) with one counting pass, each segment's
-// rows in input order.
+// rows in input order; rows lends its storage.
 Groups GroupByCode(const std::int64_t *code, std::int64_t n, std::int64_t first,
-                   std::size_t segments) {
+                   std::size_t segments, std::vector<std::int64_t> rows) {
   Groups groups;
+  groups.rows = std::move(rows);
   groups.start.assign(segments + 1, 0);
   for (std::int64_t i = 0; i < n; ++i)
     ++groups.start[code[i] - first + 1];
@@ -62,12 +72,12 @@ Groups GroupByCode(const std::int64_t *code, std::int64_t n, std::int64_t first,
 // Groups rows by integer key, the segments in ascending key order and the
 // rows of each in input order: by counting when the keys span few values, by
 // sorting otherwise.
-Groups GroupByKey(const std::int64_t *key, std::int64_t n) {
+Groups GroupByKey(const std::int64_t *key, std::int64_t n, std::vector<std::int64_t> rows) {
   if (n == 0) return Groups{{}, {0}, {}};
   const auto [low, high] = std::minmax_element(key, key + n);
   const std::uint64_t span = static_cast<std::uint64_t>(*high) - static_cast<std::uint64_t>(*low);
   if (span < static_cast<std::uint64_t>(n) * 4 + 1024) {
-    Groups groups = GroupByCode(key, n, *low, static_cast<std::size_t>(span) + 1);
+    Groups groups = GroupByCode(key, n, *low, static_cast<std::size_t>(span) + 1, std::move(rows));
     // Keep the keys that occur.
     std::size_t kept = 0;
     for (std::size_t v = 0; v + 1 < groups.start.size(); ++v) {
@@ -80,6 +90,7 @@ Groups GroupByKey(const std::int64_t *key, std::int64_t n) {
     return groups;
   }
   Groups groups;
+  groups.rows = std::move(rows);
   groups.rows.resize(static_cast<std::size_t>(n));
   for (std::int64_t i = 0; i < n; ++i)
     groups.rows[i] = i;
@@ -104,19 +115,39 @@ void OrderWithin(Groups &groups, const std::int64_t *order) {
   }
 }
 
-// The segment's points, in the order of its rows, as the front end takes them.
-quadrel_io::PointSet SegmentPoints(const Source &points, const std::int64_t *rows, std::size_t k,
-                                   std::string name) {
+// The coordinates of every row in the order of the groups, gathered in one
+// pass: a tight loop keeps many reads of scattered rows in flight, where a
+// gather per segment waits on each.
+struct Gathered {
   std::vector<double> axes[3];
-  for (auto &axis : axes)
-    axis.resize(k);
-  std::vector<std::int64_t> origins(k);
-  for (std::size_t a = 0; a < k; ++a) {
-    const double *point = points.data + rows[a] * points.rowStride;
-    for (int r = 0; r < 3; ++r)
-      axes[r][a] = point[r * points.colStride];
-    origins[a] = rows[a] + 1;  // the row of the input, from 1
+};
+
+Gathered Gather(const Source &points, const std::vector<std::int64_t> &rows, Scratch &scratch) {
+  Gathered out;
+  for (int r = 0; r < 3; ++r) {
+    out.axes[r] = std::move(scratch.axes[r]);
+    out.axes[r].resize(rows.size());
   }
+  const std::ptrdiff_t c = points.colStride;
+  for (std::size_t a = 0; a < rows.size(); ++a) {
+    const double *point = points.data + rows[a] * points.rowStride;
+    out.axes[0][a] = point[0];
+    out.axes[1][a] = point[c];
+    out.axes[2][a] = point[2 * c];
+  }
+  return out;
+}
+
+// The points of the segment that holds groups' rows [first, last), in that
+// order, as the front end takes them.
+quadrel_io::PointSet SegmentPoints(const Gathered &gathered, const Groups &groups,
+                                   std::int64_t first, std::int64_t last, std::string name) {
+  std::vector<double> axes[3];
+  for (int r = 0; r < 3; ++r)
+    axes[r].assign(gathered.axes[r].begin() + first, gathered.axes[r].begin() + last);
+  std::vector<std::int64_t> origins(groups.rows.begin() + first, groups.rows.begin() + last);
+  for (std::int64_t &origin : origins)
+    ++origin;  // the row of the input, from 1
   return quadrel_io::PointSet(std::move(name), std::move(axes[0]), std::move(axes[1]),
                               std::move(axes[2]), std::move(origins),
                               quadrel_io::OriginKind::kRecord);
@@ -189,14 +220,16 @@ void BindSegments(py::module_ &m) {
         std::vector<SegmentResult> results;
         std::vector<std::string> columns;
         WithoutGil([&] {
-          groups = names ? GroupByCode(code, n, 0, names->size()) : GroupByKey(code, n);
+          static thread_local Scratch scratch;
+          groups = names ? GroupByCode(code, n, 0, names->size(), std::move(scratch.rows))
+                         : GroupByKey(code, n, std::move(scratch.rows));
           if (rank != nullptr) OrderWithin(groups, rank);
           const std::size_t segments = groups.start.size() - 1;
           // A segment's name appears in its reason only: integer keys are
           // named by their decimal digits.
+          Gathered gathered = Gather(source, groups.rows, scratch);
           const auto points = [&](std::size_t s) {
-            return SegmentPoints(source, groups.rows.data() + groups.start[s],
-                                 static_cast<std::size_t>(groups.start[s + 1] - groups.start[s]),
+            return SegmentPoints(gathered, groups, groups.start[s], groups.start[s + 1],
                                  names ? (*names)[s] : std::to_string(groups.keys[s]));
           };
           results.resize(segments);
@@ -218,6 +251,11 @@ void BindSegments(py::module_ &m) {
               columns = ColumnNames(*shape, points(s));
               break;
             }
+          if (groups.rows.capacity() <= Scratch::kKeep) {
+            scratch.rows = std::move(groups.rows);
+            for (int r = 0; r < 3; ++r)
+              scratch.axes[r] = std::move(gathered.axes[r]);
+          }
         });
 
         // Columnar results; a refused segment has NaN in every number.
