@@ -61,6 +61,12 @@ def test_segments_have_the_bits_of_one_call_on_any_partitioning(client, cloud):
         same_table(qd.fit_segments(frame, "sphere").compute(), points, labels, "sphere")
     table = qd.fit_segments(frame, "sphere").compute()
     assert set(table.loc[table.segment < 10, "status"]) == {1, 2}
+    # Keys far apart are grouped by sorting, not counting: the same points per segment.
+    far = qd.fit_segments(qd.points_frame(points, labels * 10**15 - 3 * 10**16, npartitions=5), "sphere")
+    far = far.compute().sort_values("segment").reset_index(drop=True)
+    near = quadrel.fit_segments(points, labels, "sphere").columns
+    assert (far.segment == near["label"] * 10**15 - 3 * 10**16).all()
+    assert far.rms.to_numpy().tobytes() == near["rms"].tobytes()
     # A partition in which nothing fits still has every column.
     refused = quadrel.fit_segments(np.zeros((3, 3)), [4, 4, 4], "ellipse").columns
     assert tuple(refused)[4:-2] == quadrel.shape_fields("ellipse") and np.isnan(refused["semi_minor"]).all()
