@@ -115,7 +115,9 @@ void SplitSemicolonFields(std::string_view line, const std::string &name, std::i
 
 PointSet ParsePointText(std::string_view text, const std::string &name,
                         const ReadOptions &options) {
-  std::vector<double> columns[3];
+  // The coordinates go straight into one block, axis by axis, with room for
+  // `room` points; y and z move down next to x at the end.
+  std::vector<double> xyz;
   std::vector<std::int64_t> lines;
   bool headerAllowed = true;
   bool semicolons = false;
@@ -136,8 +138,8 @@ PointSet ParsePointText(std::string_view text, const std::string &name,
   const std::size_t room =
       std::min(static_cast<std::size_t>(std::count(text.begin(), text.end(), '\n')) + 1,
                (text.size() + 1) / 6);
-  for (std::vector<double> &column : columns)
-    ReserveLarge(column, room);
+  ReserveLarge(xyz, 3 * room);
+  xyz.resize(3 * room);
   ReserveLarge(lines, room);
   // A byte order mark, as some editors write at the start of UTF-8 files.
   size_t start = text.substr(0, 3) == "\xEF\xBB\xBF" ? 3 : 0;
@@ -229,12 +231,22 @@ PointSet ParsePointText(std::string_view text, const std::string &name,
           name, lineNumber,
           "too many points; at most " + std::to_string(INT_MAX / 3) + " fit in one matrix");
     }
-    for (int r = 0; r < 3; ++r)
-      columns[r].push_back(values[r]);
+    const std::size_t point = lines.size();
+    for (std::size_t r = 0; r < 3; ++r)
+      xyz[r * room + point] = values[r];
     lines.push_back(lineNumber);
   }
-  PointSet set(name, std::move(columns[0]), std::move(columns[1]), std::move(columns[2]),
-               std::move(lines));
+  const std::size_t count = lines.size();
+  if (count < room) {
+    for (std::size_t r = 1; r < 3; ++r)
+      std::copy(xyz.begin() + static_cast<std::ptrdiff_t>(r * room),
+                xyz.begin() + static_cast<std::ptrdiff_t>(r * room + count),
+                xyz.begin() + static_cast<std::ptrdiff_t>(r * count));
+    xyz.resize(3 * count);
+    // Most of the room went unused (a file of comments, say): give it back.
+    if (count < room / 2) xyz.shrink_to_fit();
+  }
+  PointSet set(name, std::move(xyz), std::move(lines), OriginKind::kLine);
   for (size_t f = 0; f < extraOf.size(); ++f)
     if (extraOf[f] >= 0)
       set.AddColumn(header[f], std::move(extras[static_cast<size_t>(extraOf[f])]));

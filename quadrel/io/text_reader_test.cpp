@@ -38,6 +38,10 @@ TEST(TextReader, ReadsEveryLayoutWithTheLineOfEachPoint) {
   // A first line of numbers is a point, not a header; empty text is no point.
   EXPECT_EQ(ParsePointText("1 2 3\n", "n").count(), 1);
   EXPECT_EQ(ParsePointText("", "n").count(), 0);
+  // Points as short as they come, none lost at the edge of the room taken.
+  const PointSet tight = ParsePointText("1 2 3\n4,5,6\n7 8 9", "t");
+  EXPECT_EQ(std::vector<double>(tight.coordinates(), tight.coordinates() + 9),
+            (std::vector<double>{1, 4, 7, 2, 5, 8, 3, 6, 9}));
   EXPECT_EQ(ParsePointText("# only\nx y z\n", "n").count(), 0);
 }
 
