@@ -34,26 +34,6 @@ bool FindConsensusShape(const ShapeEntry &shape, ConsensusShape &consensus) {
 
 namespace {
 
-// The points of the given numbers, in their order, with their origins; the
-// skipped records of the file stay counted.
-PointSet Subset(const PointSet &points, const std::vector<std::int64_t> &numbers,
-                std::string name) {
-  std::vector<double> axes[3];
-  std::vector<std::int64_t> origins;
-  for (auto &axis : axes)
-    axis.reserve(numbers.size());
-  origins.reserve(numbers.size());
-  for (std::int64_t k : numbers) {
-    for (int r = 0; r < 3; ++r)
-      axes[r].push_back(points.at(r, static_cast<int>(k)));
-    origins.push_back(points.originOf(static_cast<int>(k)));
-  }
-  PointSet subset(std::move(name), std::move(axes[0]), std::move(axes[1]), std::move(axes[2]),
-                  std::move(origins), points.originKind());
-  subset.setSkipped(points.skipped());
-  return subset;
-}
-
 // Why the search found no model: status is not kFound; best is the inlier
 // count of the best model for kTooFewInliers.
 Outcome NoModel(const ShapeEntry &shape, const PointSet &points, const ConsensusOptions &options,
@@ -87,7 +67,9 @@ RobustFit FitInliers(const ShapeEntry &shape, const PointSet &points, const Cons
   RobustFit robust;
   robust.inliers = found.inliers;
   robust.iterations = found.iterations;
-  robust.inlierPoints = Subset(points, found.inliers, std::move(name));
+  // The inliers as a set of their own; the skipped records of the file stay counted.
+  robust.inlierPoints = points.Select(found.inliers, std::move(name));
+  robust.inlierPoints.setSkipped(points.skipped());
   robust.fit = FitShape(shape, robust.inlierPoints);
   if (robust.fit.outcome.ok()) robust.rms = SummarizeResiduals(robust.fit.residuals).rms;
   return robust;

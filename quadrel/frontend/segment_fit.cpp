@@ -65,7 +65,7 @@ SegmentFits FitSegments(const ShapeEntry &shape, const PointSet &points,
   const int n = points.count();
   if (n == 0) return Refused(std::move(fits), points.name() + " holds no points to segment");
   // The members of each segment, segments in the order of their first point.
-  std::vector<std::vector<int>> members;
+  std::vector<std::vector<std::int64_t>> members;
   std::unordered_map<double, std::size_t> index;
   for (int k = 0; k < n; ++k) {
     double key = keys[k];
@@ -83,21 +83,9 @@ SegmentFits FitSegments(const ShapeEntry &shape, const PointSet &points,
     members[at->second].push_back(k);
   }
   for (std::size_t s = 0; s < members.size(); ++s) {
-    const std::vector<int> &part = members[s];
-    std::vector<double> axes[3];
-    std::vector<std::int64_t> origins;
-    for (auto &axis : axes)
-      axis.reserve(part.size());
-    origins.reserve(part.size());
-    for (int k : part) {
-      for (int r = 0; r < 3; ++r)
-        axes[r].push_back(points.at(r, k));
-      origins.push_back(points.originOf(k));
-    }
     SegmentFit &segment = fits.segments[s];
-    const PointSet subset(points.name() + " (" + column + " " + FormatKey(segment.key) + ")",
-                          std::move(axes[0]), std::move(axes[1]), std::move(axes[2]),
-                          std::move(origins), points.originKind());
+    const PointSet subset = points.Select(
+        members[s], points.name() + " (" + column + " " + FormatKey(segment.key) + ")");
     segment.points = subset.count();
     segment.fit = FitShape(shape, subset);
     if (segment.fit.outcome.ok()) {

@@ -33,6 +33,19 @@ PointSet::PointSet(std::string name, std::vector<double> xyz)
       inTurn_(true),
       originKind_(OriginKind::kRecord) {}
 
+PointSet PointSet::Select(const std::vector<std::int64_t> &numbers, std::string name) const {
+  const std::size_t m = numbers.size();
+  std::vector<double> xyz(3 * m);
+  std::vector<std::int64_t> origins(m);
+  for (std::size_t a = 0; a < m; ++a) {
+    const int k = static_cast<int>(numbers[a]);
+    for (int r = 0; r < 3; ++r)
+      xyz[static_cast<std::size_t>(r) * m + a] = at(r, k);
+    origins[a] = originOf(k);
+  }
+  return PointSet(std::move(name), std::move(xyz), std::move(origins), originKind_);
+}
+
 const std::vector<std::int64_t> &PointSet::origins() const {
   if (inTurn_) {
     const std::lock_guard<std::mutex> hold(columnLock_.mutex);

@@ -43,6 +43,11 @@ class PointSet {
   // records 1, 2, 3, ... in turn: point k from record k + 1.
   PointSet(std::string name, std::vector<double> xyz);
 
+  // The points numbered in `numbers` (each in 0..count()-1), in that order,
+  // with their coordinates, origins and origin kind, under a new name; no
+  // columns, no skipped records, no grid.
+  PointSet Select(const std::vector<std::int64_t> &numbers, std::string name) const;
+
   // The source as messages show it: the path, or "<stdin>".
   const std::string &name() const { return name_; }
   int count() const { return static_cast<int>(count_); }
