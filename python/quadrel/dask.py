@@ -328,17 +328,33 @@ def fit_line(data: Any, columns: Sequence[str] = ("x", "y", "z")) -> quadrel.Lin
 
 def local_cluster(n_workers: int = 2, **kwargs: Any) -> Any:
     """A distributed.LocalCluster of n_workers worker processes with one
-    thread each and no dashboard, started without the MALLOC_TRIM_THRESHOLD_
-    that Dask's nanny gives its workers by default: on glibc that setting
-    turns off the adaptive mmap threshold, so every large temporary array is
-    mapped and faulted in afresh, which made these fits several times slower.
+    thread each and no dashboard, set up for moving points between processes
+    on one machine:
+
+    * without the MALLOC_TRIM_THRESHOLD_ that Dask's nanny gives its workers
+      by default: on glibc that setting turns off the adaptive mmap
+      threshold, so every large temporary array is mapped and faulted in
+      afresh, which made these fits several times slower;
+    * without compression of the data the workers send each other: over
+      loopback it saves nothing, and lz4 on the shuffled integer columns
+      cost the two workers more time than their share of the fits;
+    * without the statistical profiler that samples every worker's stacks
+      for the dashboard, which is off too.
+
     Further keywords go to LocalCluster."""
     from distributed import LocalCluster
 
     key = "distributed.nanny.pre-spawn-environ"
     environ = {k: v for k, v in dask.config.get(key, {}).items() if k != "MALLOC_TRIM_THRESHOLD_"}
     options = dict(n_workers=n_workers, threads_per_worker=1, processes=True, dashboard_address=None)
-    with dask.config.set({key: environ}):
+    settings = {
+        key: environ,
+        "distributed.comm.compression": None,
+        "distributed.worker.profile.enabled": False,
+    }
+    # The scheduler and the workers take the configuration as it stands when
+    # they start.
+    with dask.config.set(settings):
         return LocalCluster(**{**options, **kwargs})
 
 
