@@ -82,7 +82,9 @@ QUADREL_ROBUST_API ConsensusResult FindConsensus(ConsensusShape shape, const CMa
 // Several models of one shape in one cloud. models holds one result per model
 // found, best first; labels holds one entry per point: the index into models
 // of the model that took it, or -1. status is kFound when at least one model
-// was found, otherwise the status of the first, failed search.
+// was found, otherwise the status of the first, failed search. On
+// kBadArgument (points not 3 x n or not finite, options out of range,
+// maxModels < 1) models and labels are both empty.
 struct ConsensusExtraction {
   ConsensusStatus status = ConsensusStatus::kBadArgument;
   std::vector<ConsensusResult> models;
