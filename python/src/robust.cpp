@@ -26,6 +26,8 @@ ConsensusOptions Options(double threshold, std::uint64_t seed, double confidence
   options.maxIterations = maxIterations;
   options.threads = threads;
   options.minInliers = minInliers;
+  // Python fits the inliers itself, as an ordinary fit of them.
+  options.fitAllInliers = false;
   return options;
 }
 

@@ -61,6 +61,13 @@ Outcome NoModel(const ShapeEntry &shape, const PointSet &points, const Consensus
   }
 }
 
+// The options for a search whose inliers FitInliers fits: the search's own
+// final fit of them would be the same work done twice.
+ConsensusOptions InliersOnly(ConsensusOptions options) {
+  options.fitAllInliers = false;
+  return options;
+}
+
 // The entry's fit of the model's inliers, taken from the points under name.
 RobustFit FitInliers(const ShapeEntry &shape, const PointSet &points, const ConsensusResult &found,
                      std::string name) {
@@ -86,7 +93,7 @@ RobustFit FitShapeRobust(const ShapeEntry &shape, const PointSet &points,
   FindConsensusShape(shape, search);
   robust.fit.outcome = RequirePoints(points, shape.minimumPoints, FitName(shape));
   if (!robust.fit.outcome.ok()) return robust;
-  const ConsensusResult found = FindConsensus(search, PointMatrix(points), options);
+  const ConsensusResult found = FindConsensus(search, PointMatrix(points), InliersOnly(options));
   robust.iterations = found.iterations;
   if (found.status != ConsensusStatus::kFound) {
     const bool counted = found.status == ConsensusStatus::kTooFewInliers;
@@ -111,7 +118,8 @@ RobustExtraction ExtractShapes(const ShapeEntry &shape, const PointSet &points,
   FindConsensusShape(shape, search);
   extraction.outcome = RequirePoints(points, shape.minimumPoints, FitName(shape));
   if (!extraction.outcome.ok()) return extraction;
-  ConsensusExtraction found = ExtractConsensus(search, PointMatrix(points), options, maxModels);
+  ConsensusExtraction found =
+      ExtractConsensus(search, PointMatrix(points), InliersOnly(options), maxModels);
   if (found.status != ConsensusStatus::kFound || found.models.empty()) {
     extraction.outcome = NoModel(shape, points, options, found.status, -1);
     return extraction;

@@ -39,7 +39,10 @@ QUADREL_ROBUST_API const char *ConsensusStatusMessage(ConsensusStatus status);
 // maxIterations (>= 1) caps the hypotheses drawn whatever the confidence.
 // threads is the number of threads that score (0: one per core); the result
 // does not depend on it. minInliers is the fewest inliers a model must have to
-// be found (0: the size of a minimal sample).
+// be found (0: the size of a minimal sample). fitAllInliers false skips the
+// final least-squares fit of every inlier, for callers that fit the inliers
+// themselves: model and rms are then those of the last local fit (of at most
+// 32,768 inliers); the inliers, status and iterations are the same either way.
 struct ConsensusOptions {
   double inlierThreshold = 0.0;
   std::uint64_t seed = 0;
@@ -47,6 +50,7 @@ struct ConsensusOptions {
   std::int64_t maxIterations = 100000;
   int threads = 0;
   std::int64_t minInliers = 0;
+  bool fitAllInliers = true;
 };
 
 // A model: point is the centroid (line, plane), the centre (circle, sphere) or

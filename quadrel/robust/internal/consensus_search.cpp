@@ -250,7 +250,8 @@ SearchOutcome SearchConsensus(ConsensusShape shape, const PointColumns &cloud,
 
   // The model returned is the least-squares fit of its inliers. Fits of at
   // most kLocalFitPoints of them are repeated until the inlier set no longer
-  // changes; the last fit then takes every inlier when there are more.
+  // changes; the last fit then takes every inlier when there are more, unless
+  // the caller fits them itself.
   std::vector<std::int64_t> slots, next;
   CollectCloud(shape, best, cloud, t2, pool, slots, out.inliers);
   bool settled = false;
@@ -263,7 +264,7 @@ SearchOutcome SearchConsensus(ConsensusShape shape, const PointColumns &cloud,
     settled = next == out.inliers;
     out.inliers.swap(next);
   }
-  if (!settled || out.inliers.size() > kLocalFitPoints) {
+  if (options.fitAllInliers && (!settled || out.inliers.size() > kLocalFitPoints)) {
     RefitInliers(shape, cloud, out.inliers, best);
   }
   const double sumSquares = SumOfSquares(shape, best, cloud, out.inliers);
