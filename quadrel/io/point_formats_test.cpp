@@ -172,7 +172,8 @@ TEST(Las, ReadsEveryPointFormatAsIntegersTimesScalePlusOffset) {
 TEST(PointFormats, RefuseBadFilesNamingTheLineOrByteAndTheFault) {
   const SampleCloud cloud = Cloud();
   const std::string ply = WritePly(cloud, PlyEncoding::kLittle, ScalarType::kFloat32, false);
-  const std::string plyHead = "ply\nformat ascii 1.0\nelement vertex 1\n";
+  const std::string plyAscii = "ply\nformat ascii 1.0\n", plyHead = plyAscii + "element vertex 1\n";
+  const std::string xyz = "property float x\nproperty float y\nproperty float z\n";
   const std::string pcd = WritePcd(cloud, PcdData::kCompressed, ScalarType::kFloat32);
   const std::string pcdBody = pcd.substr(pcd.find("binary_compressed\n") + 18);
   const std::string pcdHead = pcd.substr(0, pcd.size() - pcdBody.size());
@@ -189,26 +190,20 @@ TEST(PointFormats, RefuseBadFilesNamingTheLineOrByteAndTheFault) {
        "int8, uint8, int16, uint16, int32, uint32, float32, float64)"},
       {plyHead + "property float x\nproperty float y\nend_header\n1 2\n",
        "f:3: the vertex element has no property z (x, y and z are needed)"},
-      {plyHead + "property float x\nproperty float y\nproperty float z\n",
-       "f: the PLY header ends without an end_header line"},
+      {plyHead + xyz, "f: the PLY header ends without an end_header line"},
       {"ply\nformat binary_middle_endian 1.0\n",
        "f:2: 'binary_middle_endian' is not a PLY format (ascii, binary_little_endian or "
        "binary_big_endian)"},
-      {"ply\nformat ascii 1.0\nelement face 1\nproperty list float int v\nend_header\n",
+      {plyAscii + "element face 1\nproperty list float int v\nend_header\n",
        "f:4: the count of a list must have an integer type, not 'float'"},
-      {"ply\nformat ascii 1.0\nproperty float x\n", "f:3: a property before any element"},
-      {"ply\nformat ascii 1.0\nelement vertex 2\nproperty float x\nproperty float y\nproperty "
-       "float z\nend_header\n1 2 3\n4 five 6\n",
+      {plyAscii + "property float x\n", "f:3: a property before any element"},
+      {plyAscii + "element vertex 2\n" + xyz + "end_header\n1 2 3\n4 five 6\n",
        "f:9: 'five' is not a number"},
-      {"ply\nformat ascii 1.0\nelement vertex 2\nproperty float x\nproperty float y\nproperty "
-       "float z\nend_header\n1 2 3\n4 5\n",
+      {plyAscii + "element vertex 2\n" + xyz + "end_header\n1 2 3\n4 5\n",
        "f:9: the file ends inside vertex 2 of 2"},
-      {"ply\nformat ascii 1.0\nelement vertex 6\nproperty float x\nproperty float y\nproperty "
-       "float z\nproperty int a\nend_header\n0 0.5 2 2\nnan 2 2\n",
+      {plyAscii + "element vertex 6\n" + xyz + "property int a\nend_header\n0 0.5 2 2\nnan 2 2\n",
        "f:10: the file ends inside vertex 2 of 6"},
-      {"ply\nformat ascii 1.0\nelement vertex 0\nproperty float x\nproperty float y\nproperty "
-       "float z\nend_header\n",
-       "no error"},
+      {plyAscii + "element vertex 0\n" + xyz + "end_header\n", "no error"},
       {ply.substr(0, ply.size() - 30),
        "f: at byte 333: the file ends inside vertex 4 of 5 (each 18 bytes)"},
       // PCD header and body
@@ -227,8 +222,7 @@ TEST(PointFormats, RefuseBadFilesNamingTheLineOrByteAndTheFault) {
       {"FIELDS x y z\nSIZE 4 4 4\nTYPE F F F\nWIDTH 2\nDATA ascii\n1 2 3\n\n",
        "f:7: the file ends after 1 of 2 points"},
       {pcdHead + pcdBody.substr(0, 6),
-       "f: at byte 211: the file ends inside the sizes of the "
-       "compressed block"},
+       "f: at byte 211: the file ends inside the sizes of the compressed block"},
       {pcdHead + pcdBody.substr(0, pcdBody.size() - 1),
        "f: at byte 211: the compressed block of " + std::to_string(pcdBody.size() - 8) +
            " bytes runs past the end of the file, which holds " +
@@ -240,11 +234,9 @@ TEST(PointFormats, RefuseBadFilesNamingTheLineOrByteAndTheFault) {
        "f: at byte 219: the compressed block is not valid LZF data"},
       // LAS
       {las.substr(0, 200),
-       "f: at byte 200: the file ends inside the LAS header (200 of at "
-       "least 227 bytes)"},
+       "f: at byte 200: the file ends inside the LAS header (200 of at least 227 bytes)"},
       {las.substr(0, las.size() - 1),
-       "f: at byte 339: the file ends inside point 5 of 5 (each "
-       "28 bytes)"},
+       "f: at byte 339: the file ends inside point 5 of 5 (each 28 bytes)"},
       {nanScale, "f: at byte 139: the y scale and offset must be finite, the scale not 0"},
       {laz,
        "f is a LAZ file (compressed LAS), which is not read here; decompress it to LAS "
@@ -275,27 +267,19 @@ TEST(Lzf, CopiesOverlappingReferencesAndRefusesBrokenInput) {
   };
   EXPECT_EQ(expand(packed, output.size()), static_cast<long long>(input.size()));
   EXPECT_EQ(output, input);
-  EXPECT_EQ(expand(packed, output.size() - 1), -1);  // more output than room
-  EXPECT_EQ(expand(std::string("\x05"
-                               "abc",
-                               4),
-                   10),
-            -1);  // a literal run cut short
-  EXPECT_EQ(expand(std::string("\x00"
-                               "a\x20\x01",
-                               4),
-                   10),
-            -1);  // a reference before the start
-  EXPECT_EQ(expand(std::string("\x00"
-                               "a\xe0",
-                               3),
-                   10),
-            -1);  // a reference cut short
-  EXPECT_EQ(expand(std::string("\x00"
-                               "a\x20\x00",
-                               4),
-                   10),
-            4);  // "a" then three copies of it
+  // More output than room, a literal run cut short, a reference before the
+  // start, a reference cut short, and "a" then three copies of it.
+  const struct {
+    std::string in;
+    std::size_t room;
+    long long expanded;
+  } cases[] = {{packed, output.size() - 1, -1},
+               {std::string("\5abc", 4), 10, -1},
+               {std::string("\0a\40\1", 4), 10, -1},
+               {std::string("\0a\340", 3), 10, -1},
+               {std::string("\0a\40\0", 4), 10, 4}};
+  for (const auto &c : cases)
+    EXPECT_EQ(expand(c.in, c.room), c.expanded) << c.room;
   EXPECT_EQ(output.substr(0, 4), "aaaa");
 }
 

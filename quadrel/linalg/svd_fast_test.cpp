@@ -213,25 +213,24 @@ std::vector<Input> FitSystems(TestRandom &random, int points) {
   std::vector<Input> systems;
   for (bool degenerate : {false, true}) {
     CMatrix sphere(points, 5), circle(points, 4), paraboloid(points, 6);
+    const auto put = [](CMatrix &system, int i, std::initializer_list<double> row) {
+      int j = 0;
+      for (double value : row)
+        system(i, j++) = value;
+    };
     for (int i = 0; i < points; ++i) {
       const double t = random.Uniform(0.0, 6.283185307179586);
       const double u = degenerate ? 0.0 : random.Uniform(-1.5, 1.5);
       const double x = 3.0 + 2.0 * std::cos(t) * std::cos(u) + 1e-3 * random.Normal();
       const double y = -1.0 + 2.0 * std::sin(t) * std::cos(u) + 1e-3 * random.Normal();
       const double z = 0.5 + 2.0 * std::sin(u);
-      const double row[] = {1.0, 2.0 * x, 2.0 * y, 2.0 * z, x * x + y * y + z * z};
-      for (int j = 0; j < 5; ++j)
-        sphere(i, j) = row[j];
+      put(sphere, i, {1.0, 2.0 * x, 2.0 * y, 2.0 * z, x * x + y * y + z * z});
       const double cx = degenerate ? t : x, cy = degenerate ? 2.0 * t : y;
-      const double crow[] = {1.0, 2.0 * cx, 2.0 * cy, cx * cx + cy * cy};
-      for (int j = 0; j < 4; ++j)
-        circle(i, j) = crow[j];
+      put(circle, i, {1.0, 2.0 * cx, 2.0 * cy, cx * cx + cy * cy});
       const double px = random.Uniform(-2.0, 2.0), py = degenerate ? 1.0 : random.Uniform(-2, 2);
-      const double prow[] = {px * px, 2.0 * px,
-                             py * py, 2.0 * py,
-                             1.0,     0.3 * px * px - 0.2 * py * py + 1e-3 * random.Normal()};
-      for (int j = 0; j < 6; ++j)
-        paraboloid(i, j) = prow[j];
+      put(paraboloid, i,
+          {px * px, 2.0 * px, py * py, 2.0 * py, 1.0,
+           0.3 * px * px - 0.2 * py * py + 1e-3 * random.Normal()});
     }
     const std::string how = degenerate ? " (degenerate)" : "";
     systems.push_back({"sphere system" + how, sphere});
