@@ -42,17 +42,21 @@ bool HasNonFinite(const CMatrix &A) {
 // For each shape a random matrix, the same with its last column a copy of the
 // first (rank-deficient), with its first and last columns exchanged in the
 // column table, and scaled to 1e120 with a column of signed zeros and one
-// 1e-150 times smaller; then special matrices, the empty shapes and matrices
-// with a NaN or an infinity. Wide shapes are factored padded with zero rows.
+// 1e-150 times smaller, and with a NaN, +infinity or -infinity in turn; then
+// special matrices and the empty shapes. Wide shapes are factored padded with
+// zero rows.
 std::vector<Input> Inputs() {
   TestRandom random(31337);
   std::vector<Input> inputs;
+  const double nonFinite[] = {std::nan(""), HUGE_VAL, -HUGE_VAL};
+  int spoilt = 0;
   const int shapes[][2] = {{1, 1},  {2, 2},  {3, 2},   {3, 3},  {4, 4},    {5, 3}, {7, 7}, {9, 4},
                            {12, 5}, {17, 6}, {30, 20}, {40, 9}, {3000, 5}, {2, 5}, {4, 9}};
   for (const auto &shape : shapes) {
     const int m = shape[0], n = shape[1];
     const CMatrix A = random.Matrix(m, n, -3.0, 3.0);
-    CMatrix deficient = A, permuted = A, extreme = 1e120 * A;
+    CMatrix deficient = A, permuted = A, extreme = 1e120 * A, nonFiniteA = A;
+    nonFiniteA(m / 2, n / 2) = nonFinite[spoilt++ % 3];
     deficient.SetCol(Col(A, 0), n - 1);
     permuted.SwapCols(0, n - 1);
     for (int i = 0; i < m; ++i) {
@@ -63,7 +67,8 @@ std::vector<Input> Inputs() {
     inputs.insert(inputs.end(), {{"random" + at, A},
                                  {"rank-deficient" + at, deficient},
                                  {"permuted columns" + at, permuted},
-                                 {"extreme scales" + at, extreme}});
+                                 {"extreme scales" + at, extreme},
+                                 {"non-finite" + at, nonFiniteA}});
   }
   inputs.insert(inputs.end(),
                 {{"zeros 6 x 3", CMatrix(0.0, 6, 3)},
@@ -76,19 +81,6 @@ std::vector<Input> Inputs() {
                  // A sweep meets a rotation of two exact zeros here.
                  {"zero rotation 4 x 3",
                   MakeMatrix(4, 3, {2, 0, 1e300, 0, 1e300, 2, 1e300, 1, 0, 1e300, 0, 1e-300})}});
-  const struct {
-    const char *name;
-    int m, n;
-    double value;
-  } nonFinite[] = {{"NaN", 5, 3, std::nan("")},
-                   {"+infinity", 7, 7, HUGE_VAL},
-                   {"-infinity", 3000, 5, -HUGE_VAL},
-                   {"NaN", 2, 5, std::nan("")}};
-  for (const auto &spoilt : nonFinite) {
-    CMatrix A = random.Matrix(spoilt.m, spoilt.n, -3.0, 3.0);
-    A(spoilt.m / 2, spoilt.n / 2) = spoilt.value;
-    inputs.push_back({std::string(spoilt.name) + " " + Shape(spoilt.m, spoilt.n), A});
-  }
   return inputs;
 }
 
