@@ -38,6 +38,7 @@ struct Cloud {
   std::vector<double> x, y, z;
   std::vector<bool> inlier;
   Hypothesis truth;
+  double e1[3] = {}, e2[3] = {};  // across the direction of the truth
   void Add(double px, double py, double pz, bool in) {
     x.push_back(px);
     y.push_back(py);
@@ -77,8 +78,9 @@ void Frame(std::mt19937_64 &rng, double *u, double *e1, double *e2) {
 }
 
 // A point of the true shape for parameters a, b in [-1, 1] (noise-free).
-void OnShape(ConsensusShape shape, const Hypothesis &h, const double *e1, const double *e2,
-             double a, double b, double *out) {
+void OnShape(ConsensusShape shape, const Cloud &c, double a, double b, double *out) {
+  const Hypothesis &h = c.truth;
+  const double *e1 = c.e1, *e2 = c.e2;
   const double pi = 3.141592653589793;
   for (int k = 0; k < 3; ++k) {
     switch (shape) {
@@ -104,27 +106,23 @@ void OnShape(ConsensusShape shape, const Hypothesis &h, const double *e1, const 
   }
 }
 
-Cloud MakeCloud(ConsensusShape shape, int n, double outlierFraction, std::uint64_t seed,
-                double *e1 = nullptr, double *e2 = nullptr) {
+Cloud MakeCloud(ConsensusShape shape, int n, double outlierFraction, std::uint64_t seed) {
   std::mt19937_64 rng(seed * 7919 + static_cast<std::uint64_t>(shape));
   std::uniform_real_distribution<double> unit(-1.0, 1.0);
   std::normal_distribution<double> noise(0.0, kNoise);
   Cloud c;
-  double f1[3], f2[3];
-  Frame(rng, c.truth.u, f1, f2);
+  Frame(rng, c.truth.u, c.e1, c.e2);
   for (int k = 0; k < 3; ++k)
     c.truth.p[k] = 0.2 * unit(rng);
   c.truth.r = 0.5 + 0.3 * (unit(rng) + 1.0);
   const int outliers = static_cast<int>(outlierFraction * n);
   for (int i = 0; i < n - outliers; ++i) {
     double q[3] = {0.0, 0.0, 0.0};
-    OnShape(shape, c.truth, f1, f2, unit(rng), unit(rng), q);
+    OnShape(shape, c, unit(rng), unit(rng), q);
     c.Add(q[0] + noise(rng), q[1] + noise(rng), q[2] + noise(rng), true);
   }
   for (int i = 0; i < outliers; ++i)
     c.Add(1.5 * unit(rng), 1.5 * unit(rng), 1.5 * unit(rng), false);
-  if (e1 != nullptr) std::memcpy(e1, f1, sizeof f1);
-  if (e2 != nullptr) std::memcpy(e2, f2, sizeof f2);
   return c;
 }
 
@@ -141,14 +139,13 @@ Hypothesis FromModel(const ConsensusModel &m) {
 
 // The error of a model: the rms distance from it of noise-free points spread
 // over the true shape. It measures position, orientation and radius at once.
-double ModelError(ConsensusShape shape, const Cloud &c, const double *e1, const double *e2,
-                  const Hypothesis &model) {
+double ModelError(ConsensusShape shape, const Cloud &c, const Hypothesis &model) {
   double sum = 0.0;
   int count = 0;
   for (double a = -0.9; a < 1.0; a += 0.2) {
     for (double b = -0.9; b < 1.0; b += 0.2) {
       double q[3] = {0.0, 0.0, 0.0};
-      OnShape(shape, c.truth, e1, e2, a, b, q);
+      OnShape(shape, c, a, b, q);
       sum += SquaredDistance(shape, model, q[0], q[1], q[2]);
       ++count;
     }
@@ -187,8 +184,7 @@ TEST(SampleConsensus, FindsEveryShapeAmongOutliersAsWellAsLeastSquaresOfTheTrueI
       const int seeds = costly ? 20 : 100;
       double ours = 0.0, reference = 0.0;
       for (int seed = 0; seed < seeds; ++seed) {
-        double e1[3], e2[3];
-        const Cloud c = MakeCloud(shape, 500, outliers, static_cast<std::uint64_t>(seed), e1, e2);
+        const Cloud c = MakeCloud(shape, 500, outliers, static_cast<std::uint64_t>(seed));
         ConsensusOptions o;
         o.inlierThreshold = kThreshold;
         o.seed = static_cast<std::uint64_t>(seed);
@@ -201,8 +197,8 @@ TEST(SampleConsensus, FindsEveryShapeAmongOutliersAsWellAsLeastSquaresOfTheTrueI
         }
         Hypothesis fit = c.truth;
         ASSERT_TRUE(RefitInliers(shape, c.Columns(), trueInliers, fit));
-        const double error = ModelError(shape, c, e1, e2, FromModel(r.model));
-        const double best = ModelError(shape, c, e1, e2, fit);
+        const double error = ModelError(shape, c, FromModel(r.model));
+        const double best = ModelError(shape, c, fit);
         // Found: the model lies within the noise of the truth, and holds most
         // of the true inliers.
         ASSERT_LT(error, kNoise) << Name(shape) << " " << outliers << " " << seed;
