@@ -42,13 +42,13 @@ bool HasNonFinite(const CMatrix &A) {
 // For each shape a random matrix, the same with its last column a copy of the
 // first (rank-deficient), with its first and last columns exchanged in the
 // column table, and scaled to 1e120 with a column of signed zeros and one
-// 1e-150 times smaller, and with a NaN, +infinity or -infinity in turn; then
+// 1e-150 times smaller, and with +infinity, a NaN or -infinity in turn; then
 // special matrices and the empty shapes. Wide shapes are factored padded with
 // zero rows.
 std::vector<Input> Inputs() {
   TestRandom random(31337);
   std::vector<Input> inputs;
-  const double nonFinite[] = {std::nan(""), HUGE_VAL, -HUGE_VAL};
+  const double nonFinite[] = {HUGE_VAL, std::nan(""), -HUGE_VAL};
   int spoilt = 0;
   const int shapes[][2] = {{1, 1},  {2, 2},  {3, 2},   {3, 3},  {4, 4},    {5, 3}, {7, 7}, {9, 4},
                            {12, 5}, {17, 6}, {30, 20}, {40, 9}, {3000, 5}, {2, 5}, {4, 9}};
