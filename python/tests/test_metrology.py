@@ -49,37 +49,28 @@ def python_bits(*values):
     return [format(b, "016x") for v in values for b in np.asarray(v, float).ravel().view(np.uint64)]
 
 
-def test_flatness_and_cylinder_give_the_bits_of_the_cpp_calls():
-    points = plane_points()
-    flat = quadrel.minimum_zone_flatness(points)
+def test_flatness_and_cylinder_give_the_bits_of_the_cpp_calls_in_their_documented_shapes():
+    flat = quadrel.minimum_zone_flatness(plane_points())
     assert flat.status == Status.CONVERGED and 0.0075 < flat.width < 0.008
-    assert python_bits(flat.point, flat.normal, flat.status, flat.iterations, flat.width, flat.deviations,
-                       flat.contacts, flat.sides) == cpp_bits("flatness", points)  # fmt: skip
+    # Contacts index the points; results are immutable.
+    assert flat.contacts.dtype == np.int64 and set(flat.sides) == {-1, 1}
+    with pytest.raises(ValueError):
+        flat.deviations[0] = 0.0
+    with pytest.raises(AttributeError):
+        flat.width = 0.0  # type: ignore[misc]
 
-    points = cylinder_points()
-    cyl = quadrel.gaussian_fit_cylinder(points)
-    assert cyl.ok and abs(cyl.radius - 12.5) < 1e-3
-    assert python_bits(cyl.axis_point, cyl.direction, cyl.radius, cyl.status, cyl.iterations, cyl.rms,
-                       cyl.residuals, cyl.covariance, cyl.uncertainties) == cpp_bits("cylinder", points)  # fmt: skip
-
-
-def test_results_have_the_documented_shapes_and_meaning():
     cyl = quadrel.gaussian_fit_cylinder(cylinder_points())
+    assert cyl.ok and abs(cyl.radius - 12.5) < 1e-3
     q = len(quadrel.GaussianCylinder.PARAMETERS)
     assert cyl.covariance.shape == (q, q) and cyl.uncertainties.shape == (q,)
     np.testing.assert_array_equal(cyl.uncertainties, np.sqrt(np.diag(cyl.covariance)))
     assert cyl.residuals.shape == (300,) and math.isclose(cyl.rms, np.sqrt(np.mean(cyl.residuals**2)))
     assert 0 < cyl.uncertainties[-1] < 1e-3  # the radius, from 300 points with 1 micrometre noise
-
-    flat = quadrel.minimum_zone_flatness(plane_points())
-    # Contacts index the points (their bits are compared with C++ above).
-    assert flat.contacts.dtype == np.int64 and set(flat.sides) == {-1, 1}
-
-    with pytest.raises(ValueError):
-        flat.deviations[0] = 0.0
-    with pytest.raises(AttributeError):
-        flat.width = 0.0  # type: ignore[misc]
     assert json.loads(json.dumps(cyl.to_dict()))["status"] == "CONVERGED"
+    assert python_bits(flat.point, flat.normal, flat.status, flat.iterations, flat.width, flat.deviations,
+                       flat.contacts, flat.sides) == cpp_bits("flatness", plane_points())  # fmt: skip
+    assert python_bits(cyl.axis_point, cyl.direction, cyl.radius, cyl.status, cyl.iterations, cyl.rms,
+                       cyl.residuals, cyl.covariance, cyl.uncertainties) == cpp_bits("cylinder", cylinder_points())  # fmt: skip
 
 
 SPHERE = on_sphere(100, noise=1e-4)

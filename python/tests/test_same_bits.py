@@ -33,18 +33,19 @@ def hexes(*outputs):
 def python_calls():
     p = (data(3, 30, 4.1) * 0.2 + data(3, 30, 0.7)).T  # (n, 3) points
     out = {}
-    f = q.fit_line(p)
-    out["fit_line"] = hexes(f.centroid, f.direction, f.residuals)
-    f = q.fit_plane(p)
-    out["fit_plane"] = hexes(f.centroid, f.normal, f.residuals)
-    f = q.fit_circle(p)
-    out["fit_circle"] = hexes(f.centre, f.normal, f.radius, f.residuals)
-    f = q.fit_sphere(p)
-    out["fit_sphere"] = hexes(f.centre, f.radius, f.residuals)
+
+    def call(name, *args):
+        """Records the bits of q.<name>(*args), a tuple's items in order."""
+        result = getattr(q, name)(*args)
+        out[name] = hexes(*result) if isinstance(result, tuple) else hexes(result)
+
+    for name, fields in (("fit_line", "centroid direction residuals"), ("fit_plane", "centroid normal residuals"),
+                         ("fit_circle", "centre normal radius residuals"), ("fit_sphere", "centre radius residuals"),
+                         ("fit_paraboloid", "vertex a b sign residuals")):  # fmt: skip
+        f = getattr(q, name)(p)
+        out[name] = hexes(*(getattr(f, field) for field in fields.split()))
     f = q.fit_ellipse(p)
     out["fit_ellipse"] = hexes(f.foci.T, f.normal, f.focal_sum, f.residuals)
-    f = q.fit_paraboloid(p)
-    out["fit_paraboloid"] = hexes(f.vertex, f.a, f.b, f.sign, f.residuals)
 
     faces = [np.zeros((3, 9)) for _ in range(3)]
     for s in range(3):
@@ -76,30 +77,23 @@ def python_calls():
     out["inv"] = hexes(q.inv(square))
 
     a, b, c, d = (data(3, 1, s)[:, 0] for s in (3.1, 3.2, 3.3, 3.4))
-    out["norm2"] = hexes(q.norm2(a))
-    out["dot"] = hexes(q.dot(a, b))
-    out["angle"] = hexes(q.angle(a, b))
-    out["cross"] = hexes(q.cross(a, b))
+    call("norm2", a)
+    for name in ("dot", "angle", "cross"):
+        call(name, a, b)
     out["sph2cart"] = hexes(q.sph2cart(2.0, 0.3, -0.4))
     out["cart2sph"] = hexes(q.cart2sph(0.3, -1.2, 2.5))
     out["sph2cart_array"] = hexes(q.sph2cart_array(data(3, 4, 3.5).T).T)
     out["cart2sph_array"] = hexes(q.cart2sph_array(data(3, 4, 3.6).T).T)
     out["rotation_to_z"] = hexes(q.rotation_to_z(0.3, -0.2))
-    out["rotation"] = hexes(q.rotation(0.1, 0.2, 0.3))
-    out["rotation_alpha"] = hexes(q.rotation_alpha(0.1, 0.2, 0.3))
-    out["rotation_beta"] = hexes(q.rotation_beta(0.1, 0.2, 0.3))
-    out["rotation_gamma"] = hexes(q.rotation_gamma(0.1, 0.2, 0.3))
+    for name in ("rotation", "rotation_alpha", "rotation_beta", "rotation_gamma"):
+        call(name, 0.1, 0.2, 0.3)
     r, pts, shift = q.rotation(0.4, 0.5, 0.6), data(5, 3, 3.8), data(5, 3, 3.9)
     out["transform"] = hexes(q.transform(r, pts, shift), q.transform(r, a, b))
     out["untransform"] = hexes(q.untransform(r, pts, shift), q.untransform(r, a, b))
-    out["line_point_dist"] = hexes(q.line_point_dist(a, b, c))
-    out["plane_point_dist"] = hexes(q.plane_point_dist(a, b, c))
-    out["plane_line_dist"] = hexes(q.plane_line_dist(a, b, c, d))
-    out["plane_plane_dist"] = hexes(q.plane_plane_dist(a, b, c, d))
-    out["line_point_int"] = hexes(*q.line_point_int(a, b, c))
-    out["plane_point_int"] = hexes(*q.plane_point_int(a, b, c))
-    out["plane_line_int"] = hexes(*q.plane_line_int(a, b, c, d))
-    out["plane_plane_int"] = hexes(*q.plane_plane_int(a, b, c, d))
+    for name in ("line_point_dist", "plane_point_dist", "line_point_int", "plane_point_int"):
+        call(name, a, b, c)
+    for name in ("plane_line_dist", "plane_plane_dist", "plane_line_int", "plane_plane_int"):
+        call(name, a, b, c, d)
     out["plane_plane_int_parallel"] = hexes(*q.plane_plane_int(a, a, b, 2.0 * a))
     return out
 

@@ -18,8 +18,8 @@ bool AllNaN(const CMatrix &m) {
 
 const CMatrix kOrigin = MakeCol({0, 0, 0});
 
-TEST(LinePoint, DistanceGoesThroughTheAngleAndIntGivesTheFoot) {
-  const CMatrix point = MakeCol({3, 4, 0});
+TEST(PointDistances, LineGoesThroughTheAngleAndPlaneIsSignedByTheNormalNotItsLength) {
+  const CMatrix point = MakeCol({3, 4, 0}), abovePlane = MakeCol({1, 1, 3});
   EXPECT_DOUBLE_EQ(LinePointDist(kOrigin, MakeCol({-1, 0, 0}), point), 4.0);
   // The cosine rounds to 1 this close to the line; a zero direction gives an
   // angle of pi, which folds to 0.
@@ -31,16 +31,11 @@ TEST(LinePoint, DistanceGoesThroughTheAngleAndIntGivesTheFoot) {
   EXPECT_NEAR(LinePointInt(MakeRow({1, 1, 1}), MakeRow({0, -3, 0}), MakeRow({2, 5, 1}), foot), 1.0,
               1e-14);
   EXPECT_TRUE(Near(foot, MakeRow({1, 5, 1}), 1e-15));
-}
-
-TEST(PlanePointInt, IsSignedByTheNormalAndIgnoresItsLength) {
-  const CMatrix point = MakeCol({1, 1, 3});
-  CMatrix foot;
-  EXPECT_EQ(PlanePointInt(kOrigin, MakeCol({0, 0, 2}), point, foot), 3.0);
-  EXPECT_TRUE(SameBits(foot, MakeCol({1, 1, 0})));
-  EXPECT_EQ(PlanePointInt(kOrigin, MakeCol({0, 0, -5}), point, foot), -3.0);
-  EXPECT_TRUE(SameBits(foot, MakeCol({1, 1, 0})));
-  EXPECT_TRUE(std::isnan(PlanePointDist(kOrigin, MakeCol({0, 0, 0}), point)));
+  for (double z : {2.0, -5.0}) {
+    EXPECT_EQ(PlanePointInt(kOrigin, MakeCol({0, 0, z}), abovePlane, foot), std::copysign(3.0, z));
+    EXPECT_TRUE(SameBits(foot, MakeCol({1, 1, 0})));
+  }
+  EXPECT_TRUE(std::isnan(PlanePointDist(kOrigin, MakeCol({0, 0, 0}), abovePlane)));
 }
 
 TEST(PlaneLineInt, FindsTheCrossingOrLeavesItAlone) {
@@ -64,7 +59,7 @@ TEST(PlaneLineInt, FindsTheCrossingOrLeavesItAlone) {
   EXPECT_TRUE(AllNaN(crossing));
 }
 
-TEST(PlanePlaneInt, PlacesTheLineInTheMostPerpendicularCoordinatePlane) {
+TEST(PlanePlaneInt, PlacesTheLineInTheMostPerpendicularCoordinatePlaneOrGivesNone) {
   CMatrix linePoint, lineDirection;
   EXPECT_EQ(PlanePlaneInt(MakeCol({1, 2, 3}), MakeCol({1, 1, 0}), MakeCol({0, -1, 4}),
                           MakeCol({0, 2, 3}), linePoint, lineDirection),
@@ -79,12 +74,11 @@ TEST(PlanePlaneInt, PlacesTheLineInTheMostPerpendicularCoordinatePlane) {
                           MakeCol({0, 1, 0}), linePoint, lineDirection),
             0.0);
   EXPECT_TRUE(SameBits(ColCat(lineDirection, linePoint), MakeMatrix(3, 2, {0, 1, -0.0, 2, 1, 0})));
-}
 
-TEST(PlanePlaneInt, ParallelPlanesGiveNoLine) {
   const CMatrix high = MakeCol({0, 0, 5}), up = MakeCol({0, 0, 1});
   const CMatrix sentinel = MakeRow({1, 2});
-  CMatrix linePoint = sentinel, lineDirection = sentinel;
+  linePoint = sentinel;
+  lineDirection = sentinel;
   // Apart, with normals of one direction: the distance, and no line.
   EXPECT_EQ(PlanePlaneInt(kOrigin, up, high, MakeCol({0, 0, 2}), linePoint, lineDirection), 5.0);
   EXPECT_TRUE(SameBits(linePoint, sentinel) && SameBits(lineDirection, sentinel));

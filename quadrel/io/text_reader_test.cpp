@@ -17,6 +17,19 @@ using quadrel_io::ParsePointText;
 using quadrel_io::PointSet;
 using quadrel_io::ReadError;
 
+// The error that reading text as name raises (an empty one, and a failure,
+// when it raises none).
+ReadError Failure(const std::string &text, const std::string &name,
+                  const quadrel_io::ReadOptions &options = quadrel_io::kPointColumns) {
+  try {
+    ParsePointText(text, name, options);
+  } catch (const ReadError &error) {
+    return error;
+  }
+  ADD_FAILURE() << "no error for " << text;
+  return ReadError("", 0, "");
+}
+
 TEST(TextReader, ReadsEveryLayoutWithTheLineOfEachPoint) {
   // Byte order mark, comments, blank lines, a header, commas with blanks
   // round them, tabs, a carriage return, signs and exponents.
@@ -67,23 +80,15 @@ TEST(TextReader, NamesFileLineAndFaultInEveryMessage) {
   };
   for (const auto &c : cases) {
     SCOPED_TRACE(c.text);
-    try {
-      ParsePointText(c.text, "bad.txt");
-      ADD_FAILURE() << "no error";
-    } catch (const ReadError &error) {
-      EXPECT_EQ(error.file(), "bad.txt");
-      EXPECT_EQ(error.position(), c.line);
-      EXPECT_EQ(error.fault(), c.fault);
-      EXPECT_EQ(std::string(error.what()), "bad.txt:" + std::to_string(c.line) + ": " + c.fault);
-    }
+    const ReadError error = Failure(c.text, "bad.txt");
+    EXPECT_EQ(error.file(), "bad.txt");
+    EXPECT_EQ(error.position(), c.line);
+    EXPECT_EQ(error.fault(), c.fault);
+    EXPECT_EQ(std::string(error.what()), "bad.txt:" + std::to_string(c.line) + ": " + c.fault);
   }
   // The count message names the columns as the caller reads them.
-  try {
-    ParsePointText("1 2\n", "s", quadrel_io::kSampleColumns);
-    ADD_FAILURE() << "no error";
-  } catch (const ReadError &error) {
-    EXPECT_STREQ(error.what(), "s:1: expected 3 numbers (x y quality), found 2");
-  }
+  EXPECT_STREQ(Failure("1 2\n", "s", quadrel_io::kSampleColumns).what(),
+               "s:1: expected 3 numbers (x y quality), found 2");
 }
 
 TEST(TextReader, ReadsSemicolonsWithDecimalCommasAndNamedColumns) {
@@ -104,14 +109,8 @@ TEST(TextReader, ReadsSemicolonsWithDecimalCommasAndNamedColumns) {
       {"x y z segment\n1 2 3\n", "s:2: expected 4 numbers (x y z segment), found 3"},
       {"1 2 \x01\xff\n", "s:1: '\\x01\\xff' is not a number"},
   };
-  for (const auto &[text, message] : faults) {
-    try {
-      ParsePointText(text, "s");
-      ADD_FAILURE() << text;
-    } catch (const ReadError &error) {
-      EXPECT_EQ(error.what(), message);
-    }
-  }
+  for (const auto &[text, message] : faults)
+    EXPECT_EQ(Failure(text, "s").what(), message);
 }
 
 TEST(ReadPoints, ReadsFilesAndNamesThoseItCannotRead) {

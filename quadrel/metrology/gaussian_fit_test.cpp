@@ -102,21 +102,19 @@ TEST(GaussianFit, UncertaintiesMatchTheSpreadOfRepeatedFits) {
     CMatrix c, nrm;
     double r = 0.0;
     GaussianFitInfo info;
+    // Sums the centre and radius of fit f and the uncertainties reported at rows.
+    const auto add = [&](int f, const int(&rows)[4]) {
+      const double values[4] = {c(0, 0), c(1, 0), c(2, 0), r};
+      for (int k = 0; k < 4; ++k) {
+        sum[f][k] += values[k];
+        sumSq[f][k] += values[k] * values[k];
+        reported[f][k] += info.uncertainties(rows[k], 0) / trials;
+      }
+    };
     ASSERT_EQ(GaussianCircleFit(circle, c, nrm, r, info), MetrologyStatus::kConverged);
-    const double circleValues[4] = {c(0, 0), c(1, 0), c(2, 0), r};
-    const int circleRows[4] = {0, 1, 2, 6};
-    for (int k = 0; k < 4; ++k) {
-      sum[0][k] += circleValues[k];
-      sumSq[0][k] += circleValues[k] * circleValues[k];
-      reported[0][k] += info.uncertainties(circleRows[k], 0) / trials;
-    }
+    add(0, {0, 1, 2, 6});
     ASSERT_EQ(GaussianSphereFit(sphere, c, r, info), MetrologyStatus::kConverged);
-    const double sphereValues[4] = {c(0, 0), c(1, 0), c(2, 0), r};
-    for (int k = 0; k < 4; ++k) {
-      sum[1][k] += sphereValues[k];
-      sumSq[1][k] += sphereValues[k] * sphereValues[k];
-      reported[1][k] += info.uncertainties(k, 0) / trials;
-    }
+    add(1, {0, 1, 2, 3});
   }
   for (int f = 0; f < 2; ++f) {
     for (int k = 0; k < 4; ++k) {

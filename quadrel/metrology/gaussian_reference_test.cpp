@@ -151,34 +151,20 @@ void CheckKind(FeatureKind kind, std::initializer_list<Coverage> coverages,
 
 }  // namespace
 
-TEST(GaussianReference, LineAndPlaneReproduceTheNominal) {
+// A circle on a 30 degree arc; a sphere cap of polar half-angle acos(3/4),
+// 1/8 of the sphere; cylinders long, short and of sqrt(6) radii, which spreads
+// the points alike along and across the axis so that the principal directions
+// of the scatter say nothing; cones and tori on half and quarter arcs.
+TEST(GaussianReference, EveryKindReproducesTheNominalOnFullAndPartialCoverage) {
   CheckKind(FeatureKind::kLine, {kFull});
   CheckKind(FeatureKind::kPlane, {kFull});
-}
-
-TEST(GaussianReference, CircleOnFullCircleAndThirtyDegreeArc) {
   CheckKind(FeatureKind::kCircle, {kFull, {kPi / 6.0, kPi, 1.0}});
-}
-
-TEST(GaussianReference, SphereWholeAndOnAnEighthCap) {
-  // A cap of polar half-angle acos(3/4) covers 1/8 of the sphere.
   CheckKind(FeatureKind::kSphere, {kFull, {2.0 * kPi, std::acos(0.75), 1.0}});
-}
-
-// A length of sqrt(6) radii spreads the points alike along and across the
-// axis, so that the principal directions of the scatter say nothing.
-TEST(GaussianReference, CylinderLongShortEvenlySpreadAndOnAQuarterArc) {
   CheckKind(FeatureKind::kCylinder, {{2.0 * kPi, kPi, 3.0},
                                      {2.0 * kPi, kPi, 0.2},
                                      {2.0 * kPi, kPi, std::sqrt(6.0)},
                                      {kPi / 2.0, kPi, 2.0}});
-}
-
-TEST(GaussianReference, ConeFullAndOnAHalfArc) {
   CheckKind(FeatureKind::kCone, {kFull, {kPi, kPi, 1.0}, {2.0 * kPi, kPi, 2.4}}, 0.3);
   CheckKind(FeatureKind::kCone, {kFull}, 1.0);
-}
-
-TEST(GaussianReference, TorusFullAndOnAQuarterArc) {
   CheckKind(FeatureKind::kTorus, {kFull, {kPi, kPi, 1.0}});
 }
