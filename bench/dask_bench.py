@@ -95,10 +95,11 @@ def timed(label: str, func, repeat: int = 1):
     return best, value
 
 
-def round_trip(workers: int, args: argparse.Namespace, shape: str, extra=None):
+def round_trip(workers: int, args: argparse.Namespace, shape: str, last: bool):
     """The best of two timed fit_segments on a fresh local cluster of the
-    given worker processes, the result table, and whatever extra(frame)
-    gives on that cluster."""
+    given worker processes and the result table; on the last 2-worker turn
+    also the two-pass fit_plane (planes) and the points, fetched to this
+    process for the single-process runs."""
     points, segments = int(args.points), int(args.segments)
     with qd.local_cluster(workers) as cluster, Client(cluster) as client:
         frame = client.persist(cloud(points, segments, args.partitions, shape))
@@ -107,7 +108,11 @@ def round_trip(workers: int, args: argparse.Namespace, shape: str, extra=None):
             f"quadrel.dask, {workers} worker process{'es' if workers > 1 else ''}",
             lambda: qd.fit_segments(frame, shape).compute(), repeat=2,
         )
-        return best, table, extra(frame) if extra else None
+        if not (last and workers == 2):
+            return best, table, None
+        if shape == "plane":
+            timed("quadrel.dask.fit_plane, two passes, 2 workers", lambda: qd.fit_plane(frame))
+        return best, table, frame.compute()
 
 
 def main() -> None:
@@ -129,15 +134,8 @@ def main() -> None:
         times = {1: [], 2: []}
         local = None
         for turn in range(args.rounds):
-            last = turn == args.rounds - 1
             for workers in (1, 2):
-                extra = None
-                if last and workers == 2:
-                    def extra(frame):
-                        if shape == "plane":
-                            timed("quadrel.dask.fit_plane, two passes, 2 workers", lambda: qd.fit_plane(frame))
-                        return frame.compute()
-                best, table, got = round_trip(workers, args, shape, extra)
+                best, table, got = round_trip(workers, args, shape, turn == args.rounds - 1)
                 times[workers].append(best)
                 local = got if got is not None else local
         one, two = statistics.median(times[1]), statistics.median(times[2])
