@@ -1,5 +1,6 @@
 # quadrel_add_layer_library: a shared library of its own on top of
-# libquadrel.so (libquadrel_metrology.so, libquadrel_robust.so), built alike.
+# libquadrel.so (libquadrel_metrology.so, libquadrel_robust.so; on Windows
+# quadrel_metrology.dll, quadrel_robust.dll), built alike.
 #
 #   quadrel_add_layer_library(NAME <name> HEADERS <public headers...>
 #                             [PRIVATE_LINK <targets...>])
@@ -42,6 +43,11 @@ function(quadrel_add_layer_library)
     VISIBILITY_INLINES_HIDDEN ON
     INSTALL_RPATH "$ORIGIN"
     EXPORT_NAME ${arg_NAME})
+  if(WIN32)
+    # quadrel_<name>.dll with import library libquadrel_<name>.dll.a, named
+    # like quadrel.dll.
+    set_target_properties(${lib} PROPERTIES PREFIX "")
+  endif()
   install(TARGETS ${lib} EXPORT quadrelTargets
     LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT runtime NAMELINK_COMPONENT dev
     ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}
