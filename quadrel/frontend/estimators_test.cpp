@@ -2,6 +2,8 @@
 // every refusal with its message instead of an exception.
 #include <gtest/gtest.h>
 
+#include <array>
+#include <cmath>
 #include <string>
 
 #include "quadrel/frontend/peak_fit.h"
@@ -28,12 +30,24 @@ TEST(Trihedral, FitsTheCubeCornerAndRefusesFacesThatDoNotMeetOrComeInTheWrongOrd
   EXPECT_EQ(fe::TrihedralStatus(fit.code), "converged");
   EXPECT_NEAR(fit.angles[0], 0.3, 1e-9);
   EXPECT_NEAR(fit.angles[2], 0.4, 1e-9);
+  EXPECT_EQ(fit.points, (std::array<int, 3>{16, 16, 16}));
 
-  const std::string names = f1.name() + ", " + f3.name() + ", " + f2.name();
+  // A cyclic exchange of the faces gives the same apex; a wrong edge angle
+  // still converges or stops, on finite numbers that fit worse.
+  const fe::TrihedralFit cyclic = fe::FitTrihedral({&f2, &f3, &f1}, fe::EdgeAngleRadians(90));
+  for (int i = 0; i < 3; ++i)
+    EXPECT_NEAR(cyclic.apex[i], fit.apex[i], 1e-9);
+  const fe::TrihedralFit wide = fe::FitTrihedral({&f1, &f2, &f3}, fe::EdgeAngleRadians(60));
+  EXPECT_TRUE(wide.code == 0 || fe::TrihedralStatus(wide.code) == "step limit reached");
+  EXPECT_GT(wide.rms, 0.01);
+
   const fe::TrihedralFit swapped = fe::FitTrihedral({&f1, &f3, &f2}, fe::EdgeAngleRadians(90));
   EXPECT_EQ(swapped.outcome.status, fe::Status::kDegenerate);
-  EXPECT_EQ(swapped.outcome.reason.rfind("the faces " + names + " come in the wrong order", 0), 0u)
-      << swapped.outcome.reason;
+  EXPECT_EQ(swapped.outcome.reason,
+            "the faces " + f1.name() + ", " + f3.name() + ", " + f2.name() +
+                " come in the wrong order: with their normals turned away from the origin they "
+                "must form a right-handed triple; give them as " +
+                f1.name() + " " + f2.name() + " " + f3.name());
   const fe::TrihedralFit parallel = fe::FitTrihedral({&f1, &f1, &f3}, fe::EdgeAngleRadians(90));
   EXPECT_NE(parallel.outcome.reason.find("do not meet in one point"), std::string::npos);
 
@@ -53,6 +67,25 @@ TEST(Peak, FindsThePeakOfTheSampleAndRefusesSamplesWithoutOne) {
   EXPECT_EQ(fe::PeakMethod(fit.code), "maximum of the fitted surface");
   EXPECT_NEAR(fit.peak[0], 0.4, 1e-9);
   EXPECT_NEAR(fit.peak[1], -0.7, 1e-9);
+  EXPECT_EQ(fit.samples, 49);
+  // A surface that does not fit the samples: the best sample stands in.
+  std::string poor;
+  for (int k = 0; k < 49; ++k)
+    poor += std::to_string(k / 7 - 3) + " " + std::to_string(k % 7 - 3) + " " +
+            std::to_string(100 * std::cos(3 * (k / 7 - 3)) * std::cos(3 * (k % 7 - 3))) + "\n";
+  const PointSet grid = quadrel_io::ParsePointText(poor, "poor", quadrel_io::kSampleColumns);
+  const fe::PeakFit best = fe::FindPeak(grid);
+  EXPECT_EQ(best.code, 4);
+  EXPECT_EQ(best.peak[0], grid.at(0, best.bestSample));
+  EXPECT_EQ(best.peak[1], grid.at(1, best.bestSample));
+  const char *const methods[] = {"maximum of the fitted surface",
+                                 "climb stopped: heading turned more than 70 degrees",
+                                 "maximum beyond reach: climbed six steps",
+                                 "surface has no maximum: climbed six steps",
+                                 "surface does not fit the data: best sample",
+                                 "climb stopped: left the quality band"};
+  for (int code = 0; code < 6; ++code)
+    EXPECT_EQ(fe::PeakMethod(code), methods[code]);
 
   const struct {
     const char *text;

@@ -5,6 +5,7 @@
 
 #include <cmath>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "quadrel/frontend/report.h"
@@ -33,17 +34,37 @@ std::string Lines(const std::vector<fe::Vec3> &points) {
 }
 
 TEST(ShapeTable, EveryShapeGivesItsFieldsInOrderOnItsExactSample) {
-  const std::vector<std::vector<std::string>> fields = {
-      {"centroid", "direction"},
-      {"centroid", "normal"},
-      {"centre", "normal", "radius"},
-      {"centre", "radius"},
-      {"focus_1", "focus_2", "normal", "focal_sum", "centre", "semi_major", "semi_minor",
-       "centre_to_focus"},
-      {"vertex", "a", "b", "sign"},
-      {"axis_point", "direction", "radius", "u_radius", "rms", "iterations"},
-      {"axis_point", "direction", "half_angle_degrees", "radius", "u_half_angle_degrees",
-       "u_radius", "rms", "iterations"}};
+  // Each field with the value the sample was made with (none: not checked);
+  // directions and normals count up to their sign, the foci in either order.
+  const double r3 = 1 / std::sqrt(3.0);
+  const std::vector<std::vector<std::pair<std::string, std::vector<double>>>> fields = {
+      {{"centroid", {1, 2, 3}}, {"direction", {1 / 3.0, 2 / 3.0, 2 / 3.0}}},
+      {{"centroid", {0.5, -1, 2}}, {"normal", {2 / 3.0, -1 / 3.0, 2 / 3.0}}},
+      {{"centre", {1, -2, 3}}, {"normal", {r3, r3, r3}}, {"radius", {2.5}}},
+      {{"centre", {-1, 0.5, 2}}, {"radius", {4}}},
+      {{"focus_1", {}},
+       {"focus_2", {}},
+       {"normal", {}},
+       {"focal_sum", {6}},
+       {"centre", {2, -1, 0.5}},
+       {"semi_major", {3}},
+       {"semi_minor", {2}},
+       {"centre_to_focus", {std::sqrt(5.0)}}},
+      {{"vertex", {0.3, -0.2, 0.8}}, {"a", {1.7}}, {"b", {0.9}}, {"sign", {1}}},
+      {{"axis_point", {}},
+       {"direction", {}},
+       {"radius", {}},
+       {"u_radius", {}},
+       {"rms", {}},
+       {"iterations", {}}},
+      {{"axis_point", {}},
+       {"direction", {}},
+       {"half_angle_degrees", {}},
+       {"radius", {}},
+       {"u_half_angle_degrees", {}},
+       {"u_radius", {}},
+       {"rms", {}},
+       {"iterations", {}}}};
   ASSERT_EQ(fe::Shapes().size(), fields.size());
   for (size_t s = 0; s < fields.size(); ++s) {
     const fe::ShapeEntry &shape = fe::Shapes()[s];
@@ -53,21 +74,33 @@ TEST(ShapeTable, EveryShapeGivesItsFieldsInOrderOnItsExactSample) {
     const fe::ShapeFit fit = fe::FitShape(shape, points);
     ASSERT_TRUE(fit.outcome.ok()) << fit.outcome.reason;
     EXPECT_EQ(fit.points, points.count());
-    std::vector<std::string> names;
-    for (const fe::ResultField &field : fit.fields) {
-      names.push_back(field.name);
+    ASSERT_EQ(fit.fields.size(), fields[s].size());
+    for (size_t f = 0; f < fit.fields.size(); ++f) {
+      const fe::ResultField &field = fit.fields[f];
+      const std::vector<double> &expected = fields[s][f].second;
+      EXPECT_EQ(field.name, fields[s][f].first);
       EXPECT_EQ(
           field.values.size(),
           field.kind == fe::FieldKind::kPoint || field.kind == fe::FieldKind::kDirection ? 3u : 1u);
+      const double sign = field.kind == fe::FieldKind::kDirection && !expected.empty() &&
+                                  field.values[0] * expected[0] < 0
+                              ? -1.0
+                              : 1.0;
+      for (size_t i = 0; i < expected.size(); ++i)
+        EXPECT_NEAR(field.values[i], sign * expected[i], 1e-9) << field.name << " " << i;
     }
-    EXPECT_EQ(names, fields[s]);
     ASSERT_EQ(fit.residuals.size(), static_cast<size_t>(points.count()));
     EXPECT_LT(fe::SummarizeResiduals(fit.residuals).rms, 1e-12);
     EXPECT_TRUE(fit.warning.empty());
   }
+  const fe::ShapeFit ellipse = fe::FitShape(*fe::FindShape("ellipse"), Sample("ellipse"));
+  fe::Vec3 foci[2] = {ellipse.Vector("focus_1"), ellipse.Vector("focus_2")};
+  if (foci[0][0] > foci[1][0]) std::swap(foci[0], foci[1]);
+  const fe::Vec3 made[2] = {{0, -2, 0.5}, {4, 0, 0.5}};
+  for (int i = 0; i < 6; ++i)
+    EXPECT_NEAR(foci[i / 3][i % 3], made[i / 3][i % 3], 1e-9) << i;
   EXPECT_EQ(fe::FindShape("cube"), nullptr);
   EXPECT_EQ(fe::FitName(*fe::FindShape("ellipse")), "an ellipse fit");
-  EXPECT_NEAR(fe::FitShape(*fe::FindShape("sphere"), Sample("sphere")).Scalar("radius"), 4, 1e-9);
 }
 
 TEST(ShapeTable, RefusesTooFewAndDegeneratePointsWithoutThrowing) {
@@ -95,6 +128,15 @@ TEST(ShapeTable, RefusesTooFewAndDegeneratePointsWithoutThrowing) {
     EXPECT_EQ(fit.outcome.status, c.status);
     EXPECT_EQ(fit.outcome.reason, c.reason);
     EXPECT_TRUE(fit.fields.empty() && fit.residuals.empty());
+  }
+  // Ten coincident points: every shape refuses them, with no NaN in the reason.
+  std::string same;
+  for (int k = 0; k < 10; ++k)
+    same += "1 2 3\n";
+  for (const fe::ShapeEntry &shape : fe::Shapes()) {
+    const fe::ShapeFit fit = fe::FitShape(shape, ParsePointText(same, "f"));
+    EXPECT_FALSE(fit.outcome.ok()) << shape.name;
+    EXPECT_EQ(fit.outcome.reason.find("nan"), std::string::npos) << fit.outcome.reason;
   }
   EXPECT_STREQ(fe::StatusName(fe::Status::kTooFewPoints), "too few points");
 }
