@@ -48,13 +48,6 @@ void ExpectTextMatchesJson(const Json &object, const std::string &text,
   }
 }
 
-// One point as a line of a point file, to full precision.
-std::string PointLine(double x, double y, double z) {
-  char line[80];
-  std::snprintf(line, sizeof line, "%.17g %.17g %.17g\n", x, y, z);
-  return line;
-}
-
 // Every command that reads points, and its arguments on the exact samples.
 const char *const kShapes[] = {"line",    "plane",      "circle",    "sphere",
                                "ellipse", "paraboloid", "trihedral", "peak"};
@@ -94,56 +87,41 @@ TEST(ShapeCommands, ListsResidualsWithTheWorstPointAndItsLine) {
 
 TEST(ShapeCommands, WarnsWhenTheEllipseSearchRunsAway) {
   // Axes of 8 to 1 are beyond what the search reaches from its circle.
-  std::string points;
+  std::ostringstream points;
+  points.precision(17);
   for (int k = 0; k < 40; ++k) {
     const double t = 2 * M_PI * std::pow(k / 40.0, 1.5);
-    points += PointLine(8 * std::cos(t), std::sin(t), 0);
+    points << 8 * std::cos(t) << ' ' << std::sin(t) << " 0\n";
   }
-  const ToolRun run = RunTool({"ellipse", "--json", WriteScratchFile("long.txt", points)});
+  const ToolRun run = RunTool({"ellipse", "--json", WriteScratchFile("long.txt", points.str())});
   EXPECT_NE(run.err.find("warning: the ellipse search ran away"), std::string::npos) << run.err;
   EXPECT_TRUE(ParseJson(run).contains("warning"));
 }
 
 TEST(CommandLine, RefusesBadInputWithAMessageAndStatus2) {
   // One case for each way a refusal reaches the user: a file that cannot be
-  // read, each command's fit outcome, the edge-angle check and the command
-  // line; the readers' and checks' own tests hold every message word for word.
-  // Arguments and message name the trihedral samples F1, F2, F3 and, where a
-  // case has text, the file written with it FILE.
+  // read, each command's fit outcome (standard input is empty), the edge-angle
+  // check and the command line; the readers' and checks' own tests hold every
+  // message word for word.
+  const std::string f1 = Sample("trihedral-1.txt"), f2 = Sample("trihedral-2.txt"),
+                    f3 = Sample("trihedral-3.txt");
   const struct {
-    const char *args, *text;
+    std::vector<std::string> args;
     std::string message;
   } cases[] = {
-      {"line /no/such/file.txt", nullptr, "cannot open /no/such/file.txt: No such file"},
-      {"sphere", nullptr, "a sphere fit needs at least 4 points; <stdin> has 0"},
-      {"peak FILE", "0 0 1\n1 0 2\n0 1 3\n1 1 4\n2 2 5\n", "peak search needs at least 6 samples"},
-      {"trihedral F1 F3 F2", nullptr, "come in the wrong order"},
-      {"cube F1", nullptr, "unknown shape or command 'cube'"},
-      {"line --frobnicate F1", nullptr, "--frobnicate"},
-      {"demo --noise -1", nullptr, "--noise"},
-      {"", nullptr, ""},
-      {"trihedral F1 F2 F3 --edge-angle 120", nullptr, "strictly between 0 and 120 degrees"},
+      {{"line", "/no/such/file.txt"}, "cannot open /no/such/file.txt: No such file"},
+      {{"sphere"}, "a sphere fit needs at least 4 points; <stdin> has 0"},
+      {{"peak"}, "a quality peak search needs at least 6 samples; <stdin> has 0"},
+      {{"trihedral", f1, f3, f2}, "come in the wrong order"},
+      {{"cube", f1}, "unknown shape or command 'cube'"},
+      {{"line", "--frobnicate", f1}, "--frobnicate"},
+      {{"demo", "--noise", "-1"}, "--noise"},
+      {{}, ""},
+      {{"trihedral", f1, f2, f3, "--edge-angle", "120"}, "strictly between 0 and 120 degrees"},
   };
-  int count = 0;
   for (const auto &c : cases) {
-    const std::string file =
-        c.text ? WriteScratchFile("bad" + std::to_string(++count) + ".txt", c.text) : "";
-    const std::pair<std::string, std::string> names[] = {{"F1", Sample("trihedral-1.txt")},
-                                                         {"F2", Sample("trihedral-2.txt")},
-                                                         {"F3", Sample("trihedral-3.txt")},
-                                                         {"FILE", file}};
-    auto expand = [&names](std::string text) {
-      for (const auto &[name, value] : names)
-        for (size_t at; (at = text.find(name)) != std::string::npos;)
-          text.replace(at, name.size(), value);
-      return text;
-    };
-    std::vector<std::string> args;
-    std::istringstream words(expand(c.args));
-    for (std::string word; words >> word;)
-      args.push_back(word);
-    SCOPED_TRACE(c.args);
-    ExpectRefused(args, expand(c.message));
+    SCOPED_TRACE(c.message);
+    ExpectRefused(c.args, c.message);
   }
 }
 
