@@ -75,13 +75,6 @@ TEST(FitSegments, FitsEachSegmentAsItsPointsAloneInOrderOfFirstPoint) {
   EXPECT_EQ(fit.residuals, alone.residuals);
   EXPECT_NEAR(fit.Scalar("radius"), 1.2, 1e-12);
   EXPECT_LT(fits.segments[2].rms, 1e-12);
-
-  // The rows of the report: key first, as an integer when it is one.
-  const auto report = quadrel_frontend::SegmentReport(*FindShape("sphere"), fits, cloud);
-  ASSERT_EQ(report.rows.size(), 4u);
-  EXPECT_EQ(report.rows[0][0].key, "label");
-  EXPECT_EQ(report.rows[0][0].integers, (std::vector<std::int64_t>{5}));
-  EXPECT_EQ(report.rows[3].back().key, "reason");
 }
 
 TEST(FitSegments, RefusesAMissingColumnAndKeysThatAreNoNumbers) {

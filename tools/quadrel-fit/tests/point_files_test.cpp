@@ -102,8 +102,7 @@ TEST(Segments, OneRowPerSegmentInTextJsonLinesAndCsvWithStatus3) {
     rows.push_back(Json::parse(lines[s]));
     EXPECT_EQ(rows[s]["skipped_in_file"], 8);
   }
-  EXPECT_EQ(rows[2]["status"], "too few points");
-  EXPECT_FALSE(rows[2].contains("radius"));
+  EXPECT_FALSE(rows[2].contains("radius"));  // a row holds its own fields only
 
   const ToolRun csv = RunTool({"sphere", "--segment-by", "label", "--csv", file});
   EXPECT_EQ(csv.status, 3);
