@@ -183,14 +183,16 @@ def fit_circle(
     points: Any, *, inlier_threshold: Optional[float] = None, seed: Optional[int] = None,
     confidence: Optional[float] = None, max_iterations: Optional[int] = None,
     threads: Optional[int] = None, min_inliers: Optional[int] = None,
+    min_radius: Optional[float] = None, max_radius: Optional[float] = None,
 ) -> Circle:  # fmt: skip
     """Circle in space through points (n, 3), n >= 3: the plane of the points,
     then the algebraic circle in it.
 
     Returns Circle(centre (3,), normal (3,), radius, residuals (n,)). With
-    inlier_threshold and the options of the search: a RobustCircle.
+    inlier_threshold and the options of the search (min_radius and max_radius
+    among them): a RobustCircle.
     """
-    search = _robust.search(seed, confidence, max_iterations, threads, min_inliers)
+    search = _robust.search(seed, confidence, max_iterations, threads, min_inliers, min_radius, max_radius)
     return _robust.dispatch("fit_circle", "circle", points, 3, _circle, inlier_threshold, **search)
 
 
@@ -198,15 +200,17 @@ def fit_sphere(
     points: Any, *, inlier_threshold: Optional[float] = None, seed: Optional[int] = None,
     confidence: Optional[float] = None, max_iterations: Optional[int] = None,
     threads: Optional[int] = None, min_inliers: Optional[int] = None,
+    min_radius: Optional[float] = None, max_radius: Optional[float] = None,
 ) -> Sphere:  # fmt: skip
     """Sphere through points (n, 3), n >= 4, by linear least squares on the
     algebraic distance.
 
     Returns Sphere(centre (3,), radius, residuals (n,)). Coplanar points give
     the minimum-norm solution; NaN or infinities give NaN throughout. With
-    inlier_threshold and the options of the search: a RobustSphere.
+    inlier_threshold and the options of the search (min_radius and max_radius
+    among them): a RobustSphere.
     """
-    search = _robust.search(seed, confidence, max_iterations, threads, min_inliers)
+    search = _robust.search(seed, confidence, max_iterations, threads, min_inliers, min_radius, max_radius)
     return _robust.dispatch("fit_sphere", "sphere", points, 4, _sphere, inlier_threshold, **search)
 
 
@@ -214,6 +218,7 @@ def extract(
     points: Any, shape: str, inlier_threshold: float, *, max_models: int = 10,
     seed: int = 0, min_inliers: Optional[int] = None, confidence: float = 0.999,
     max_iterations: int = 100000, threads: Optional[int] = None,
+    min_radius: Optional[float] = None, max_radius: Optional[float] = None,
 ) -> Extraction:  # fmt: skip
     """Several models of one shape in one cloud, found through outliers.
 
@@ -230,14 +235,20 @@ def extract(
     seed gives the same bits on every platform and for any number of threads
     (default: every core) and the same bits as quadrel-fit. It stops once a
     better model would be missed with probability below 1 - confidence, or
-    after max_iterations samples. Bad options raise ValueError or TypeError;
-    no model at all gives labels of -1 and no models.
+    after max_iterations samples. For a circle, sphere or cylinder, models
+    with a radius below min_radius or above max_radius are passed over: a
+    search for a ball takes no huge sphere along the floor it rests on. Bad
+    options raise ValueError or TypeError; no model at all gives labels of -1
+    and no models.
     """
     func = "extract"
     if not isinstance(shape, str) or shape not in ROBUST_SHAPES:
         raise ValueError(f"{func}: shape must be one of {', '.join(ROBUST_SHAPES)}, got {shape!r}")
+    if shape not in _robust.ROUND_SHAPES and (min_radius is not None or max_radius is not None):
+        raise ValueError(f"{func}: min_radius and max_radius serve the {', '.join(_robust.ROUND_SHAPES)}, not a {shape}")
     p = _args.points(func, points, _robust.MINIMUM_POINTS[shape])
-    opts = _robust.options(func, inlier_threshold, seed, confidence, max_iterations, threads, min_inliers)
+    opts = _robust.options(func, inlier_threshold, seed, confidence, max_iterations, threads, min_inliers,
+                           min_radius, max_radius)  # fmt: skip
     count = _args.integer(func, "max_models", max_models, 1, 2**31 - 1)
     return _robust.extract(func, shape, p, _PLAIN_FITS[shape], opts, count)
 

@@ -268,6 +268,7 @@ def gaussian_fit_cylinder(
     points: Any, *, inlier_threshold: Optional[float] = None, seed: Optional[int] = None,
     confidence: Optional[float] = None, max_iterations: Optional[int] = None,
     threads: Optional[int] = None, min_inliers: Optional[int] = None,
+    min_radius: Optional[float] = None, max_radius: Optional[float] = None,
 ) -> GaussianCylinder:  # fmt: skip
     """Gaussian cylinder through points (n, 3), n >= 5, not collinear; the
     start is the best of several trial axes across the scatter. With
@@ -275,7 +276,7 @@ def gaussian_fit_cylinder(
     them): the cylinder through outliers, a RobustCylinder."""
     from . import _robust
 
-    search = _robust.search(seed, confidence, max_iterations, threads, min_inliers)
+    search = _robust.search(seed, confidence, max_iterations, threads, min_inliers, min_radius, max_radius)
     return _robust.dispatch("gaussian_fit_cylinder", "cylinder", points, 5, _cylinder,
                             inlier_threshold, **search)  # fmt: skip
 

@@ -30,6 +30,9 @@ MINIMUM_POINTS: Dict[str, int] = {"line": 2, "plane": 3, "circle": 3, "sphere": 
 
 _FOUND = 0
 _TOO_FEW_INLIERS = 1
+_NO_MODEL_IN_RANGE = 5
+#: The shapes with a radius, which min_radius and max_radius bound.
+ROUND_SHAPES = ("circle", "sphere", "cylinder")
 
 
 @dataclass(frozen=True, eq=False, repr=False)
@@ -103,9 +106,18 @@ def options(
     max_iterations: Any,
     threads: Any,
     min_inliers: Any,
-) -> Tuple[float, int, float, int, int, int]:
+    min_radius: Any = None,
+    max_radius: Any = None,
+) -> Tuple[float, int, float, int, int, int, float, float]:
     """The checked options in the order the extension takes them; None stands
-    for a default (threads 0: every core; min_inliers 0: one sample's points)."""
+    for a default (threads 0: every core; min_inliers 0: one sample's points;
+    radius limits 0 and infinity)."""
+    least = 0.0 if min_radius is None else _args.real(func, "min_radius", min_radius)
+    if not (least >= 0.0 and math.isfinite(least)):
+        raise ValueError(f"{func}: min_radius must be a finite number of at least 0, got {least!r}")
+    most = math.inf if max_radius is None else _args.real(func, "max_radius", max_radius)
+    if not most >= least:
+        raise ValueError(f"{func}: max_radius must be at least min_radius ({least!r}), got {most!r}")
     threshold = _args.real(func, "inlier_threshold", inlier_threshold)
     if not (threshold > 0.0 and math.isfinite(threshold)):
         raise ValueError(f"{func}: inlier_threshold must be a positive finite number, got {threshold!r}")
@@ -119,13 +131,17 @@ def options(
         100000 if max_iterations is None else _args.integer(func, "max_iterations", max_iterations, 1, 2**63 - 1),
         0 if threads is None else _args.integer(func, "threads", threads, 1, 1024),
         0 if min_inliers is None else _args.integer(func, "min_inliers", min_inliers, 1, 2**63 - 1),
+        least,
+        most,
     )  # fmt: skip
 
 
-def search(seed: Any, confidence: Any, max_iterations: Any, threads: Any, min_inliers: Any) -> Dict[str, Any]:
+def search(seed: Any, confidence: Any, max_iterations: Any, threads: Any, min_inliers: Any,
+           min_radius: Any = None, max_radius: Any = None) -> Dict[str, Any]:  # fmt: skip
     """The options of the search by name, as dispatch takes them."""
     return {"seed": seed, "confidence": confidence, "max_iterations": max_iterations,
-            "threads": threads, "min_inliers": min_inliers}  # fmt: skip
+            "threads": threads, "min_inliers": min_inliers, "min_radius": min_radius,
+            "max_radius": max_radius}  # fmt: skip
 
 
 def dispatch(
@@ -163,10 +179,12 @@ def _model(shape: str, points: np.ndarray, inliers: np.ndarray, iterations: int,
     return _ROBUST_CLASSES[shape](**values)
 
 
-def _no_model(func: str, shape: str, status: int, count: int, threshold: float) -> ValueError:
+def _no_model(func: str, shape: str, status: int, count: int, opts: Tuple[Any, ...]) -> ValueError:
     text = _quadrel.consensus_status_message(status)
     if status == _TOO_FEW_INLIERS:
-        text += f" (the best {shape} has {count} within {threshold!r})"
+        text += f" (the best {shape} has {count} within {opts[0]!r})"
+    elif status == _NO_MODEL_IN_RANGE:
+        text += f" (from {opts[6]!r} to {opts[7]!r})"
     return ValueError(f"{func}: found no {shape} through outliers: {text}")
 
 
@@ -175,7 +193,7 @@ def fit(func: str, shape: str, points: np.ndarray, fit: Callable[[np.ndarray], A
     fits its inliers with fit; raises ValueError when no model is found."""
     status, inliers, count, iterations = _quadrel.consensus(points.T, ROBUST_SHAPES[shape], *opts)
     if status != _FOUND:
-        raise _no_model(func, shape, status, count, opts[0])
+        raise _no_model(func, shape, status, count, opts)
     return _model(shape, points, inliers, iterations, fit)
 
 
@@ -185,7 +203,7 @@ def extract(func: str, shape: str, points: np.ndarray, fit: Callable[[np.ndarray
     (too few points, bad data), which raises ValueError."""
     status, labels, found = _quadrel.extract_consensus(points.T, ROBUST_SHAPES[shape], *opts, max_models)
     if status not in (_FOUND, _TOO_FEW_INLIERS) and not found:
-        raise _no_model(func, shape, status, 0, opts[0])
+        raise _no_model(func, shape, status, 0, opts)
     models = tuple(_model(shape, points, inliers, iterations, fit) for _, inliers, _, iterations in found)
     labels.flags.writeable = False
     return Extraction(labels, models)

@@ -18,7 +18,8 @@ namespace {
 using Int64Array = py::array_t<std::int64_t>;
 
 ConsensusOptions Options(double threshold, std::uint64_t seed, double confidence,
-                         std::int64_t maxIterations, int threads, std::int64_t minInliers) {
+                         std::int64_t maxIterations, int threads, std::int64_t minInliers,
+                         double minRadius, double maxRadius) {
   ConsensusOptions options;
   options.inlierThreshold = threshold;
   options.seed = seed;
@@ -26,6 +27,8 @@ ConsensusOptions Options(double threshold, std::uint64_t seed, double confidence
   options.maxIterations = maxIterations;
   options.threads = threads;
   options.minInliers = minInliers;
+  options.minRadius = minRadius;
+  options.maxRadius = maxRadius;
   // Python fits the inliers itself, as an ordinary fit of them.
   options.fitAllInliers = false;
   return options;
@@ -53,25 +56,28 @@ void BindRobust(py::module_ &m) {
   m.def(
       "consensus",
       [](const Array &points, int shape, double threshold, std::uint64_t seed, double confidence,
-         std::int64_t maxIterations, int threads, std::int64_t minInliers) {
+         std::int64_t maxIterations, int threads, std::int64_t minInliers, double minRadius,
+         double maxRadius) {
         const Source source = Describe(points);
-        const ConsensusOptions options =
-            Options(threshold, seed, confidence, maxIterations, threads, minInliers);
+        const ConsensusOptions options = Options(threshold, seed, confidence, maxIterations,
+                                                 threads, minInliers, minRadius, maxRadius);
         const ConsensusResult result = WithoutGil([&] {
           return FindConsensus(static_cast<ConsensusShape>(shape), InputMatrix(source), options);
         });
         return Found(result);
       },
       py::arg("points"), py::arg("shape"), py::arg("threshold"), py::arg("seed"),
-      py::arg("confidence"), py::arg("max_iterations"), py::arg("threads"), py::arg("min_inliers"));
+      py::arg("confidence"), py::arg("max_iterations"), py::arg("threads"), py::arg("min_inliers"),
+      py::arg("min_radius"), py::arg("max_radius"));
   // (status, labels (n,) int64, [one search per model, as consensus gives it]).
   m.def(
       "extract_consensus",
       [](const Array &points, int shape, double threshold, std::uint64_t seed, double confidence,
-         std::int64_t maxIterations, int threads, std::int64_t minInliers, int maxModels) {
+         std::int64_t maxIterations, int threads, std::int64_t minInliers, double minRadius,
+         double maxRadius, int maxModels) {
         const Source source = Describe(points);
-        const ConsensusOptions options =
-            Options(threshold, seed, confidence, maxIterations, threads, minInliers);
+        const ConsensusOptions options = Options(threshold, seed, confidence, maxIterations,
+                                                 threads, minInliers, minRadius, maxRadius);
         const ConsensusExtraction extraction = WithoutGil([&] {
           return ExtractConsensus(static_cast<ConsensusShape>(shape), InputMatrix(source), options,
                                   maxModels);
@@ -84,7 +90,7 @@ void BindRobust(py::module_ &m) {
       },
       py::arg("points"), py::arg("shape"), py::arg("threshold"), py::arg("seed"),
       py::arg("confidence"), py::arg("max_iterations"), py::arg("threads"), py::arg("min_inliers"),
-      py::arg("max_models"));
+      py::arg("min_radius"), py::arg("max_radius"), py::arg("max_models"));
 }
 
 }  // namespace quadrel_python

@@ -54,6 +54,11 @@ Outcome NoModel(const ShapeEntry &shape, const PointSet &points, const Consensus
                                                        ConsensusStatusMessage(status) +
                                                        "; the points do not determine a " +
                                                        shape.name);
+    case ConsensusStatus::kNoModelInRange:
+      return Outcome::Refused(Status::kDegenerate, head + " found no " + shape.name +
+                                                       " with a radius from " +
+                                                       FormatKey(options.minRadius) + " to " +
+                                                       FormatKey(options.maxRadius));
     case ConsensusStatus::kTooFewPoints:
       return Outcome::Refused(Status::kTooFewPoints, head + ": " + ConsensusStatusMessage(status));
     default:

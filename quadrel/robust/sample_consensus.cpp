@@ -64,7 +64,8 @@ class CloudCopy {
 
 bool OptionsValid(const ConsensusOptions &o) {
   return std::isfinite(o.inlierThreshold) && o.inlierThreshold > 0.0 && o.confidence > 0.0 &&
-         o.confidence < 1.0 && o.maxIterations >= 1 && o.threads >= 0 && o.minInliers >= 0;
+         o.confidence < 1.0 && o.maxIterations >= 1 && o.threads >= 0 && o.minInliers >= 0 &&
+         std::isfinite(o.minRadius) && o.minRadius >= 0.0 && o.maxRadius >= o.minRadius;
 }
 
 bool ShapeValid(ConsensusShape shape) {
@@ -123,6 +124,8 @@ const char *ConsensusStatusMessage(ConsensusStatus status) {
       return "there are fewer points than a minimal sample";
     case ConsensusStatus::kBadArgument:
       return "the points are not 3 x n and finite, or an option is out of range";
+    case ConsensusStatus::kNoModelInRange:
+      return "every model had a radius outside the limits";
   }
   return "unknown status";
 }

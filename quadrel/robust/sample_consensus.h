@@ -13,6 +13,7 @@
 #define QUADREL_ROBUST_SAMPLE_CONSENSUS_H
 
 #include <cstdint>
+#include <limits>
 #include <vector>
 
 #include "quadrel/matrix/matrix.h"
@@ -28,6 +29,7 @@ enum class ConsensusStatus : int {
   kDegenerateSamples = 2,  // every sample drawn was degenerate: no hypothesis at all
   kTooFewPoints = 3,       // fewer points than a minimal sample
   kBadArgument = 4,        // points not 3 x n or not finite, an option out of range
+  kNoModelInRange = 5,     // every model had a radius outside the caller's limits
 };
 
 // A fixed English sentence for the status, e.g. "every sample was degenerate".
@@ -43,6 +45,10 @@ QUADREL_ROBUST_API const char *ConsensusStatusMessage(ConsensusStatus status);
 // final least-squares fit of every inlier, for callers that fit the inliers
 // themselves: model and rms are then those of the last local fit (of at most
 // 32,768 inliers); the inliers, status and iterations are the same either way.
+// minRadius and maxRadius (0 <= minRadius <= maxRadius, minRadius finite)
+// bound the radius of a circle, sphere or cylinder: samples and refits outside
+// them are passed over, so a huge sphere along a floor does not take the place
+// of a ball. Lines and planes ignore them.
 struct ConsensusOptions {
   double inlierThreshold = 0.0;
   std::uint64_t seed = 0;
@@ -51,6 +57,8 @@ struct ConsensusOptions {
   int threads = 0;
   std::int64_t minInliers = 0;
   bool fitAllInliers = true;
+  double minRadius = 0.0;
+  double maxRadius = std::numeric_limits<double>::infinity();
 };
 
 // A model: point is the centroid (line, plane), the centre (circle, sphere) or

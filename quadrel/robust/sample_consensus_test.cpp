@@ -7,6 +7,7 @@
 #include <cstring>
 #include <limits>
 #include <random>
+#include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -280,6 +281,13 @@ TEST(SampleConsensus, RefusesBadInputAndDegenerateCloudsWithAStatus) {
   o = good;
   o.threads = -1;
   EXPECT_EQ(FindConsensus(ConsensusShape::kPlane, points, o).status, bad);
+  for (const auto &[least, most] :
+       {std::pair{-1.0, 1.0}, {kInf, kInf}, {kNaN, 1.0}, {2.0, 1.0}, {0.0, kNaN}}) {
+    o = good;
+    o.minRadius = least;
+    o.maxRadius = most;
+    EXPECT_EQ(FindConsensus(ConsensusShape::kSphere, points, o).status, bad) << least << most;
+  }
   EXPECT_EQ(FindConsensus(ConsensusShape::kPlane, CMatrix(0.0, 2, 10), good).status, bad);
   EXPECT_EQ(FindConsensus(static_cast<ConsensusShape>(9), points, good).status, bad);
   CMatrix holed = points;
@@ -329,6 +337,42 @@ TEST(SampleConsensus, RefusesBadInputAndDegenerateCloudsWithAStatus) {
   const ConsensusResult r = FindConsensus(ConsensusShape::kSphere, flat, o);
   EXPECT_EQ(r.status, ConsensusStatus::kDegenerateSamples);
   EXPECT_EQ(r.iterations, 17);
+}
+
+// A floor of 2,000 points (z = 0 on [-1, 1]^2) and a ball of radius 0.25 with
+// 800 points resting on it: with more floor than ball within the threshold, a
+// sphere search takes a huge sphere along the floor unless its radius is
+// bounded.
+TEST(SampleConsensus, RadiusLimitsFindTheBallOnTheFloor) {
+  std::mt19937_64 rng(11);
+  std::uniform_real_distribution<double> u(-1.0, 1.0);
+  std::normal_distribution<double> g(0.0, 0.002);
+  Cloud c;
+  for (int i = 0; i < 2000; ++i)
+    c.Add(u(rng), u(rng), g(rng), false);
+  for (int i = 0; i < 800; ++i) {
+    double d[3] = {g(rng), g(rng), g(rng)};
+    const double l = std::sqrt(d[0] * d[0] + d[1] * d[1] + d[2] * d[2]);
+    c.Add(0.3 + 0.25 * d[0] / l, -0.2 + 0.25 * d[1] / l, 0.25 + 0.25 * d[2] / l, true);
+  }
+  ConsensusOptions o;
+  o.inlierThreshold = 0.01;
+  const ConsensusResult open = FindConsensus(ConsensusShape::kSphere, c.Points(), o);
+  ASSERT_EQ(open.status, ConsensusStatus::kFound);
+  EXPECT_GT(open.model.radius, 1.0);
+  o.maxRadius = 1.0;
+  const ConsensusResult ball = FindConsensus(ConsensusShape::kSphere, c.Points(), o);
+  ASSERT_EQ(ball.status, ConsensusStatus::kFound);
+  EXPECT_NEAR(ball.model.radius, 0.25, 1e-3);
+  EXPECT_NEAR(ball.model.point(2, 0), 0.25, 1e-3);
+  // No sphere through four points has a radius of exactly 0.6.
+  o.minRadius = o.maxRadius = 0.6;
+  EXPECT_EQ(FindConsensus(ConsensusShape::kSphere, c.Points(), o).status,
+            ConsensusStatus::kNoModelInRange);
+  // Lines and planes have no radius: the limits leave them alone.
+  const ConsensusResult floor = FindConsensus(ConsensusShape::kPlane, c.Points(), o);
+  EXPECT_EQ(floor.status, ConsensusStatus::kFound);
+  EXPECT_GE(floor.inlierCount, 2000);
 }
 
 TEST(ExtractConsensus, LabelsTwoPlanesAndLeavesTheRestUnlabelled) {

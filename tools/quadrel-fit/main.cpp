@@ -40,7 +40,8 @@ const char *const kFileHelp =
 
 // The options of a search through outliers besides --inlier-threshold.
 const char *const kRobustFlags[] = {"--seed",        "--confidence", "--max-iterations",
-                                    "--min-inliers", "--extract",    "--labels-out"};
+                                    "--min-inliers", "--extract",    "--labels-out",
+                                    "--min-radius",  "--max-radius"};
 
 // --inlier-threshold and the options of the search on a shape command; a shape
 // without a search takes --inlier-threshold only to refuse it with a message
@@ -91,6 +92,17 @@ void AddRobustOptions(const quadrel_frontend::ShapeEntry &shape, CLI::App &comma
                   "(coordinates to 17 digits, whatever the input's format), label the model "
                   "that took the point (0 the first) or -1 for none.")
       ->type_name("FILE");
+  if (search == ConsensusShape::kLine || search == ConsensusShape::kPlane) return;
+  command
+      .add_option("--min-radius", robust.minRadius,
+                  "Pass over models with a radius below R (default 0).")
+      ->type_name("R");
+  command
+      .add_option("--max-radius", robust.maxRadius,
+                  "Pass over models with a radius above R (default none): keeps a search for a "
+                  "ball or a hole from taking a huge " +
+                      std::string(shape.name) + " along a floor or a wall.")
+      ->type_name("R");
 }
 
 // Reading standard input from a terminal waits for typing; say so.

@@ -47,6 +47,15 @@ void CheckRobustOptions(const fe::ShapeEntry &shape, const RobustOptions &robust
       throw InputError(std::string(flag) + " must be at least 1, got " + std::to_string(value));
     }
   }
+  if (!(robust.minRadius >= 0.0 && std::isfinite(robust.minRadius))) {
+    throw InputError("--min-radius must be a finite number of at least 0, got " +
+                     fe::FormatNumber(robust.minRadius));
+  }
+  if (!(robust.maxRadius >= robust.minRadius)) {
+    throw InputError("--max-radius must be at least --min-radius (" +
+                     fe::FormatNumber(robust.minRadius) + "), got " +
+                     fe::FormatNumber(robust.maxRadius));
+  }
   if (!output.segmentBy.empty()) throw InputError("--segment-by takes no --inlier-threshold");
   if (robust.extract > 0 && (output.residuals || !output.svgPath.empty())) {
     throw InputError("--extract takes neither --residuals nor --svg");
@@ -77,6 +86,8 @@ int RunRobust(const fe::ShapeEntry &shape, const quadrel_io::PointSet &points,
   options.confidence = robust.confidence;
   options.maxIterations = robust.maxIterations;
   options.minInliers = robust.minInliers;
+  options.minRadius = robust.minRadius;
+  options.maxRadius = robust.maxRadius;
   if (robust.extract > 0) {
     const fe::RobustExtraction extraction =
         fe::ExtractShapes(shape, points, options, robust.extract);

@@ -6,6 +6,7 @@
 #define QUADREL_FIT_ROBUST_COMMAND_H
 
 #include <cstdint>
+#include <limits>
 #include <ostream>
 #include <string>
 #include <vector>
@@ -19,7 +20,8 @@ struct OutputOptions;
 
 // The options of a fit through outliers, as given on the command line. given
 // names the options among --seed, --confidence, --max-iterations,
-// --min-inliers, --extract and --labels-out that the command line holds.
+// --min-inliers, --extract, --labels-out, --min-radius and --max-radius that
+// the command line holds.
 struct RobustOptions {
   bool on = false;  // --inlier-threshold was given
   double threshold = 0.0;
@@ -29,12 +31,15 @@ struct RobustOptions {
   std::int64_t minInliers = 0;  // 0: the points of one sample
   int extract = 0;              // --extract N; 0 for a single model
   std::string labelsPath;
+  double minRadius = 0.0;
+  double maxRadius = std::numeric_limits<double>::infinity();
   std::vector<std::string> given;
 };
 
 // Refuses, with an InputError, options that do not go together or values out
 // of range: a shape without a search, a threshold that is not positive and
-// finite, a confidence outside (0, 1), counts below 1, the options of a
+// finite, a confidence outside (0, 1), counts below 1, radius limits that are
+// negative, not numbers or the wrong way round, the options of a
 // search without --inlier-threshold, and --inlier-threshold with
 // --segment-by, or --extract with --residuals or --svg.
 void CheckRobustOptions(const quadrel_frontend::ShapeEntry &shape, const RobustOptions &robust,

@@ -40,17 +40,26 @@ double RatioOf(std::int64_t count, std::int64_t n) {
   return static_cast<double>(count) / static_cast<double>(n);
 }
 
+// Whether the model's radius lies within the caller's limits (always for a
+// line or plane).
+bool InRange(ConsensusShape shape, const Hypothesis &model, const ConsensusOptions &options) {
+  if (shape == ConsensusShape::kLine || shape == ConsensusShape::kPlane) return true;
+  return model.r >= options.minRadius && model.r <= options.maxRadius;
+}
+
 // Least squares on the inliers of model among points (a spread of the cloud
-// or the cloud itself), repeated while the refit lowers the score there and
-// the inlier count grows. score is the model's score over points, before and
-// after.
-void LocalOptimise(ConsensusShape shape, const PointColumns &points, double t2, BlockPool &pool,
-                   Hypothesis &model, RangeScore &score) {
+// or the cloud itself), repeated while the refit lowers the score there, the
+// inlier count grows and the radius stays within the limits. score is the
+// model's score over points, before and after.
+void LocalOptimise(ConsensusShape shape, const PointColumns &points, double t2,
+                   const ConsensusOptions &options, BlockPool &pool, Hypothesis &model,
+                   RangeScore &score) {
   std::vector<std::int64_t> slots, inliers, next;
   score = CollectCloud(shape, model, points, t2, pool, slots, inliers);
   for (int round = 0; round < kRefineRounds; ++round) {
     Hypothesis refit = model;
     if (!RefitInliers(shape, points, inliers, refit, kLocalFitPoints)) return;
+    if (!InRange(shape, refit, options)) return;
     const RangeScore refitScore = CollectCloud(shape, refit, points, t2, pool, slots, next);
     if (!(refitScore.sum < score.sum)) return;
     const bool grew = refitScore.count > score.count;
@@ -203,6 +212,7 @@ SearchOutcome SearchConsensus(ConsensusShape shape, const PointColumns &cloud,
   std::int64_t needed = options.maxIterations;
   std::int64_t iterations = 0;
   std::int64_t degenerateRun = 0;
+  bool outOfRange = false;
   while (iterations < needed) {
     ++iterations;
     sampler.Distinct(n, s, chosen);
@@ -217,6 +227,10 @@ SearchOutcome SearchConsensus(ConsensusShape shape, const PointColumns &cloud,
       continue;
     }
     degenerateRun = 0;
+    if (!InRange(shape, h, options)) {
+      outOfRange = true;
+      continue;
+    }
     if (found && previewCloud.n > 0) {
       const double w = RatioOf(bestScore.count, n);
       const double expected = static_cast<double>(kPreviewSize) * w;
@@ -233,7 +247,7 @@ SearchOutcome SearchConsensus(ConsensusShape shape, const PointColumns &cloud,
     bestScore = score;
     Hypothesis refined = h;
     RangeScore refinedScore;
-    LocalOptimise(shape, local, t2, pool, refined, refinedScore);
+    LocalOptimise(shape, local, t2, options, pool, refined, refinedScore);
     if (local.n != n) refinedScore = ScoreCloud(shape, refined, cloud, t2, pool);
     if (refinedScore.sum < bestScore.sum) {
       best = refined;
@@ -244,7 +258,8 @@ SearchOutcome SearchConsensus(ConsensusShape shape, const PointColumns &cloud,
   }
   out.iterations = iterations;
   if (!found) {
-    out.status = ConsensusStatus::kDegenerateSamples;
+    out.status =
+        outOfRange ? ConsensusStatus::kNoModelInRange : ConsensusStatus::kDegenerateSamples;
     return out;
   }
 
@@ -258,6 +273,7 @@ SearchOutcome SearchConsensus(ConsensusShape shape, const PointColumns &cloud,
   for (int round = 0; round < kRefineRounds && !settled; ++round) {
     Hypothesis refit = best;
     if (!RefitInliers(shape, cloud, out.inliers, refit, kLocalFitPoints)) break;
+    if (!InRange(shape, refit, options)) break;
     CollectCloud(shape, refit, cloud, t2, pool, slots, next);
     if (next.size() < static_cast<std::size_t>(s)) break;
     best = refit;
@@ -265,7 +281,8 @@ SearchOutcome SearchConsensus(ConsensusShape shape, const PointColumns &cloud,
     out.inliers.swap(next);
   }
   if (options.fitAllInliers && (!settled || out.inliers.size() > kLocalFitPoints)) {
-    RefitInliers(shape, cloud, out.inliers, best);
+    Hypothesis all = best;
+    if (RefitInliers(shape, cloud, out.inliers, all) && InRange(shape, all, options)) best = all;
   }
   const double sumSquares = SumOfSquares(shape, best, cloud, out.inliers);
   out.model = best;
