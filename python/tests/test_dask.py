@@ -20,7 +20,7 @@ import pandas as pd  # noqa: E402
 
 import quadrel  # noqa: E402
 import quadrel.dask as qd  # noqa: E402
-from conftest import on_sphere  # noqa: E402
+from conftest import labelled_spheres, on_sphere  # noqa: E402
 
 
 @pytest.fixture(scope="module")
@@ -33,15 +33,8 @@ def client():
 
 @pytest.fixture(scope="module")
 def cloud():
-    """Spheres under 40 labels interleaved at random, a 3-point segment (7)
-    and a flat one (5) that no sphere fits."""
-    rng = np.random.default_rng(11)
-    parts = [on_sphere(50, centre=(label, 1.0, -label), radius=1 + label / 40, seed=label)
-             for label in range(10, 50)]  # fmt: skip
-    parts += [on_sphere(3), np.c_[np.arange(12.0), np.arange(12.0) % 3, np.zeros(12)]]
-    labels = np.concatenate([np.full(len(p), k) for k, p in zip(list(range(10, 50)) + [7, 5], parts)])
-    order = rng.permutation(len(labels))
-    return np.concatenate(parts)[order], labels[order]
+    """Spheres under 40 labels, a 3-point segment (7), a flat one (5)."""
+    return labelled_spheres(range(10, 50), 50, 3, seed=11)
 
 
 def same_table(got, points, labels, shape, by="segment"):

@@ -1,76 +1,31 @@
-"""The metrology functions: the bits of the C++ calls, the shapes and meaning
-of every result, and what bad input gives."""
+"""The metrology functions: the shapes of their results, each name reaching
+its own evaluation, and what bad input gives. Their bits are compared with
+the C++ calls in test_same_bits.py."""
 
 import json
 import math
-import os
-import subprocess
 
 import numpy as np
 import pytest
 
 import quadrel
-from conftest import on_sphere
+from conftest import cylinder_points, on_sphere, plane_points
 
 Status = quadrel.MetrologyStatus
 
 
-def cylinder_points(n=300, seed=3):
-    """Noisy points on a cylinder of radius 12.5 around a tilted, offset axis."""
-    rng = np.random.default_rng(seed)
-    axis = np.array([0.2, -0.3, 1.0]) / np.linalg.norm([0.2, -0.3, 1.0])
-    u = np.cross(axis, [1.0, 0.0, 0.0])
-    u /= np.linalg.norm(u)
-    v = np.cross(axis, u)
-    angle, height = rng.uniform(0, 2 * math.pi, n), rng.uniform(-20, 20, n)
-    radius = 12.5 + rng.normal(scale=1e-3, size=n)
-    ring = np.cos(angle)[:, None] * u + np.sin(angle)[:, None] * v
-    return np.array([100.0, -40.0, 7.0]) + radius[:, None] * ring + height[:, None] * axis
-
-
-def plane_points(n=200, seed=5):
-    """A tilted 50 x 30 patch with form deviations of a few micrometres."""
-    rng = np.random.default_rng(seed)
-    uv = rng.uniform(-1, 1, (n, 2)) * [25, 15]
-    z = 0.02 * uv[:, 0] - 0.01 * uv[:, 1] + rng.uniform(-0.004, 0.004, n)
-    return np.column_stack([uv + [300, 200], z + 50])
-
-
-def cpp_bits(what, points):
-    program = os.environ.get("QUADREL_REFERENCE")
-    if not program:
-        pytest.skip("QUADREL_REFERENCE is not set; run through ctest")
-    helper = os.path.join(os.path.dirname(program), "quadrel_python_metrology_reference")
-    text = "\n".join(" ".join(format(b, "016x") for b in row) for row in points.view(np.uint64))
-    return subprocess.run([helper, what], input=text, check=True, capture_output=True, text=True).stdout.split()
-
-
-def python_bits(*values):
-    return [format(b, "016x") for v in values for b in np.asarray(v, float).ravel().view(np.uint64)]
-
-
-def test_flatness_and_cylinder_give_the_bits_of_the_cpp_calls_in_their_documented_shapes():
+def test_results_have_their_documented_shapes_and_are_immutable():
     flat = quadrel.minimum_zone_flatness(plane_points())
-    assert flat.status == Status.CONVERGED and 0.0075 < flat.width < 0.008
     # Contacts index the points; results are immutable.
     assert flat.contacts.dtype == np.int64 and set(flat.sides) == {-1, 1}
     with pytest.raises(ValueError):
         flat.deviations[0] = 0.0
     with pytest.raises(AttributeError):
         flat.width = 0.0  # type: ignore[misc]
-
     cyl = quadrel.gaussian_fit_cylinder(cylinder_points())
-    assert cyl.ok and abs(cyl.radius - 12.5) < 1e-3
     q = len(quadrel.GaussianCylinder.PARAMETERS)
-    assert cyl.covariance.shape == (q, q) and cyl.uncertainties.shape == (q,)
-    np.testing.assert_array_equal(cyl.uncertainties, np.sqrt(np.diag(cyl.covariance)))
-    assert cyl.residuals.shape == (300,) and math.isclose(cyl.rms, np.sqrt(np.mean(cyl.residuals**2)))
-    assert 0 < cyl.uncertainties[-1] < 1e-3  # the radius, from 300 points with 1 micrometre noise
+    assert cyl.covariance.shape == (q, q) and cyl.uncertainties.shape == (q,) and cyl.residuals.shape == (300,)
     assert json.loads(json.dumps(cyl.to_dict()))["status"] == "CONVERGED"
-    assert python_bits(flat.point, flat.normal, flat.status, flat.iterations, flat.width, flat.deviations,
-                       flat.contacts, flat.sides) == cpp_bits("flatness", plane_points())  # fmt: skip
-    assert python_bits(cyl.axis_point, cyl.direction, cyl.radius, cyl.status, cyl.iterations, cyl.rms,
-                       cyl.residuals, cyl.covariance, cyl.uncertainties) == cpp_bits("cylinder", cylinder_points())  # fmt: skip
 
 
 SPHERE = on_sphere(100, noise=1e-4)
@@ -117,26 +72,3 @@ def test_bad_input():
     line = np.outer(np.arange(10.0), [1, 2, 3])
     assert quadrel.gaussian_fit_cylinder(line).status == Status.DEGENERATE
     assert quadrel.minimum_zone_flatness(line).status == Status.DEGENERATE
-
-
-METROLOGY = [name for name in quadrel._metrology.__all__ if name[0].islower()]
-
-
-def test_random_points_give_a_status_never_a_crash_or_a_hang():
-    hypothesis = pytest.importorskip("hypothesis")
-    from hypothesis import strategies as st
-    from hypothesis.extra import numpy as hnp
-
-    values = st.floats(allow_nan=True, allow_infinity=True, width=64) | st.integers(-3, 3).map(float)
-
-    @hypothesis.settings(max_examples=15, deadline=None)
-    @hypothesis.given(hnp.arrays(np.float64, st.tuples(st.integers(7, 30), st.just(3)), elements=values))
-    def check(points):
-        for name in METROLOGY:
-            result = getattr(quadrel, name)(points)
-            finite = np.isfinite(points).all()
-            assert (result.status == Status.NON_FINITE) == (not finite), name
-            if result.ok:  # rms and width may overflow to inf for coordinates near 1e308
-                assert (result.rms if hasattr(result, "rms") else result.width) >= 0, name
-
-    check()

@@ -1,5 +1,6 @@
 """Random shapes, dtypes and values fed to every function: a result or a
-ValueError/TypeError, never a crash or a hang."""
+ValueError/TypeError, never a crash or a hang; random points give every
+segment and every metrology evaluation a status."""
 
 import math
 
@@ -44,7 +45,8 @@ FUNCTIONS = {
     "line_point_dist": 3, "plane_point_dist": 3, "plane_line_dist": 4, "plane_plane_dist": 4,
     "line_point_int": 3, "plane_point_int": 3, "plane_line_int": 4, "plane_plane_int": 4,
 }  # fmt: skip
-FUNCTIONS.update({name: 1 for name in q._metrology.__all__ if name[0].islower()})
+METROLOGY = [name for name in q._metrology.__all__ if name[0].islower()]
+FUNCTIONS.update({name: 1 for name in METROLOGY})
 
 
 @pytest.mark.parametrize("name", sorted(FUNCTIONS))
@@ -77,3 +79,14 @@ def test_random_segments_never_raise_for_data(points, segments):
         ok = result["status"] == q.SegmentStatus.OK
         # The rms squares the residuals: beyond about 1e154 it is inf, never NaN.
         assert (result["rms"][ok] >= 0).all() and np.isnan(result["rms"][~ok]).all()
+
+
+@settings(max_examples=15, deadline=None)
+@given(hnp.arrays(np.float64, st.tuples(st.integers(7, 30), st.just(3)), elements=ELEMENTS))
+def test_random_points_give_a_metrology_status_never_a_crash_or_a_hang(points):
+    finite = np.isfinite(points).all()
+    for name in METROLOGY:
+        result = getattr(q, name)(points)
+        assert (result.status == q.MetrologyStatus.NON_FINITE) == (not finite), name
+        if result.ok:  # rms and width may overflow to inf for coordinates near 1e308
+            assert (result.rms if hasattr(result, "rms") else result.width) >= 0, name

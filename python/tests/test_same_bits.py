@@ -1,7 +1,8 @@
 """Every function gives from Python the same bits as the C++ library gives on
 the same input: the program reference_calls (built beside the tests) makes
-one call of each in C++ and prints the bits of its outputs; this test makes
-the same calls through the package."""
+one call of each in C++ and prints the bits of its outputs, and
+metrology_reference one flatness or cylinder evaluation of the points it
+reads; these tests make the same calls through the package."""
 
 import math
 import os
@@ -11,6 +12,7 @@ import numpy as np
 import pytest
 
 import quadrel as q
+from conftest import cylinder_points, plane_points
 
 
 def data(rows, cols, seed):
@@ -98,13 +100,31 @@ def python_calls():
     return out
 
 
-def test_every_function_gives_the_bits_of_the_cpp_call():
+def reference(*args, stdin=None):
+    """The words the C++ reference program (or the one named args[0] beside
+    it) prints."""
     program = os.environ.get("QUADREL_REFERENCE")
     if not program:
         pytest.skip("QUADREL_REFERENCE (the reference_calls program) is not set; run through ctest")
-    lines = subprocess.run([program], check=True, capture_output=True, text=True).stdout.splitlines()
-    expected = {line.split()[0]: line.split()[1:] for line in lines}
+    if args:
+        program = os.path.join(os.path.dirname(program), args[0])
+    return subprocess.run([program, *args[1:]], input=stdin, check=True, capture_output=True, text=True).stdout
+
+
+def test_every_function_gives_the_bits_of_the_cpp_call():
+    expected = {line.split()[0]: line.split()[1:] for line in reference().splitlines()}
     got = python_calls()
     assert sorted(got) == sorted(expected)
     for name in expected:
         assert got[name] == expected[name], name
+
+
+@pytest.mark.parametrize("what, func, points, fields", [
+    ("flatness", q.minimum_zone_flatness, plane_points(), "point normal status iterations width deviations contacts sides"),
+    ("cylinder", q.gaussian_fit_cylinder, cylinder_points(), "axis_point direction radius status iterations rms residuals covariance uncertainties"),
+])  # fmt: skip
+def test_metrology_gives_the_bits_of_the_cpp_call(what, func, points, fields):
+    text = "\n".join(" ".join(hexes(row)) for row in points)
+    result = func(points)
+    got = hexes(*(getattr(result, field) for field in fields.split()))
+    assert got == reference("quadrel_python_metrology_reference", what, stdin=text).split()

@@ -7,28 +7,20 @@ import numpy as np
 import pytest
 
 import quadrel
-from conftest import bits, on_sphere
+from conftest import bits, labelled_spheres, on_sphere
 
 
 @pytest.fixture(scope="module")
 def cloud():
-    """Spheres under labels 30, 10, 20 interleaved, a 2-point segment (7) and a
-    flat one (5) that no sphere fits."""
-    spheres = {label: on_sphere(60, centre=(label, 0.0, 0.0), radius=1.0 + label / 10, seed=label)
-               for label in (30, 10, 20)}  # fmt: skip
-    flat = np.c_[np.arange(12.0), np.arange(12.0) % 3, np.zeros(12)]
-    parts = [(label, pts) for label, pts in spheres.items()] + [(7, on_sphere(2)), (5, flat)]
-    points = np.concatenate([pts for _, pts in parts])
-    labels = np.concatenate([np.full(len(pts), label) for label, pts in parts])
-    order = np.random.default_rng(3).permutation(len(points))
-    return points[order], labels[order]
+    """Spheres under labels 30, 10, 20, a 3-point segment (7), a flat one (5)."""
+    return labelled_spheres((30, 10, 20), 60, 3, seed=3)
 
 
 def test_rows_follow_sorted_labels_with_single_fit_bits(cloud):
     points, labels = cloud
     result = quadrel.fit_segments(points, labels, "sphere")
     assert result["label"].tolist() == [5, 7, 10, 20, 30]
-    assert result["points"].tolist() == [12, 2, 60, 60, 60]
+    assert result["points"].tolist() == [12, 3, 60, 60, 60]
     statuses = [quadrel.SegmentStatus(s) for s in result["status"]]
     assert statuses[:2] == [quadrel.SegmentStatus.DEGENERATE, quadrel.SegmentStatus.TOO_FEW_POINTS]
     assert all(s == quadrel.SegmentStatus.OK for s in statuses[2:])
