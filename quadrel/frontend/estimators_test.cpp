@@ -1,9 +1,8 @@
-// The trihedral and peak front ends in process: results on exact samples, and
-// every refusal with its message instead of an exception.
+// The trihedral and peak front ends in process: the order of the faces, the
+// best sample, the methods spelled out, and every refusal with its message
+// instead of an exception.
 #include <gtest/gtest.h>
 
-#include <array>
-#include <cmath>
 #include <string>
 
 #include "quadrel/frontend/peak_fit.h"
@@ -26,14 +25,9 @@ TEST(Trihedral, FitsTheCubeCornerAndRefusesFacesThatDoNotMeetOrComeInTheWrongOrd
                  f3 = Sample("trihedral-3.txt");
   const fe::TrihedralFit fit = fe::FitTrihedral({&f1, &f2, &f3}, fe::EdgeAngleRadians(90));
   ASSERT_TRUE(fit.outcome.ok()) << fit.outcome.reason;
-  EXPECT_EQ(fit.code, 0);
-  EXPECT_EQ(fe::TrihedralStatus(fit.code), "converged");
-  EXPECT_NEAR(fit.angles[0], 0.3, 1e-9);
-  EXPECT_NEAR(fit.angles[2], 0.4, 1e-9);
-  EXPECT_EQ(fit.points, (std::array<int, 3>{16, 16, 16}));
-
-  // A cyclic exchange of the faces gives the same apex; a wrong edge angle
-  // still converges or stops, on finite numbers that fit worse.
+  // The tool's tests check the fit's numbers on their way out. A cyclic
+  // exchange of the faces gives the same apex; a wrong edge angle still
+  // converges or stops, on finite numbers that fit worse.
   const fe::TrihedralFit cyclic = fe::FitTrihedral({&f2, &f3, &f1}, fe::EdgeAngleRadians(90));
   for (int i = 0; i < 3; ++i)
     EXPECT_NEAR(cyclic.apex[i], fit.apex[i], 1e-9);
@@ -65,10 +59,6 @@ TEST(Peak, FindsThePeakOfTheSampleAndRefusesSamplesWithoutOne) {
   const PointSet samples = Sample("peak.txt");
   const fe::PeakFit fit = fe::FindPeak(samples);
   ASSERT_TRUE(fit.outcome.ok()) << fit.outcome.reason;
-  EXPECT_EQ(fe::PeakMethod(fit.code), "maximum of the fitted surface");
-  EXPECT_NEAR(fit.peak[0], 0.4, 1e-9);
-  EXPECT_NEAR(fit.peak[1], -0.7, 1e-9);
-  EXPECT_EQ(fit.samples, 49);
   EXPECT_EQ(samples.at(0, fit.bestSample), 0);  // the best sample, of quality 99.47
   EXPECT_EQ(samples.at(1, fit.bestSample), -1);
   const char *const methods[] = {"maximum of the fitted surface",

@@ -57,7 +57,7 @@ std::vector<std::string> SampleArgs(const std::string &shape) {
 }
 
 TEST(ShapeCommands, WriteEveryFitAsJsonAndAsTextOfTheSameNumbers) {
-  // The fits' values are the front end's to check; here each command's JSON
+  // The shapes' values are the front end's to check; here each command's JSON
   // and text must carry the same numbers, residual lists only when asked.
   for (const std::string shape : kShapes) {
     SCOPED_TRACE(shape);
@@ -68,8 +68,18 @@ TEST(ShapeCommands, WriteEveryFitAsJsonAndAsTextOfTheSameNumbers) {
     EXPECT_EQ(text.out.rfind("# quadrel-fit ", 0), 0u) << text.out;
     ExpectTextMatchesJson(fit, text.out);
   }
-  // JSON numbers keep every digit.
+  // JSON numbers keep every digit; the estimators' results on their samples.
   EXPECT_NEAR(std::fabs(RunJson(SampleArgs("line"))["direction"][0].get<double>()), 1 / 3.0, 1e-9);
+  const Json trihedral = RunJson(SampleArgs("trihedral")), peak = RunJson(SampleArgs("peak"));
+  const double angles[] = {0.3, -0.2, 0.4}, top[] = {0.4, -0.7};
+  for (int i = 0; i < 3; ++i)
+    EXPECT_NEAR(trihedral["angles_rad"][i].get<double>(), angles[i], 1e-9) << i;
+  for (int i = 0; i < 2; ++i)
+    EXPECT_NEAR(peak["peak"][i].get<double>(), top[i], 1e-9) << i;
+  EXPECT_EQ(trihedral["points"], Json({16, 16, 16}));
+  EXPECT_EQ(trihedral["status"], "converged");
+  EXPECT_EQ(peak["samples"], 49);
+  EXPECT_EQ(peak["method"], "maximum of the fitted surface");
 }
 
 TEST(ShapeCommands, ListsResidualsWithTheWorstPointAndItsLine) {
