@@ -52,8 +52,6 @@ def test_segments_have_the_bits_of_one_call_on_any_partitioning(client, cloud):
     for parts in (1, 13):
         frame = qd.points_frame(points, labels, npartitions=parts)
         same_table(qd.fit_segments(frame, "sphere").compute(), points, labels, "sphere")
-    table = qd.fit_segments(frame, "sphere").compute()
-    assert set(table.loc[table.segment < 10, "status"]) == {1, 2}
     # Keys far apart are grouped by sorting, not counting: the same points per segment.
     far = qd.fit_segments(qd.points_frame(points, labels * 10**15 - 3 * 10**16, npartitions=5), "sphere")
     far = far.compute().sort_values("segment").reset_index(drop=True)

@@ -57,8 +57,6 @@ def test_bad_input():
     for func, needs in [("gaussian_fit_cylinder", 5), ("gaussian_fit_torus", 7), ("minimum_zone_flatness", 4)]:
         with pytest.raises(ValueError, match=f"^{func}: points must have shape \\(n, 3\\) with n >= {needs}"):
             getattr(quadrel, func)(np.ones((needs - 1, 3)))
-        with pytest.raises(TypeError, match=f"^{func}: "):
-            getattr(quadrel, func)([["a", "b", "c"]] * 9)
 
     points = cylinder_points(20)
     points[3, 2] = math.nan
