@@ -74,6 +74,17 @@ TEST(RobustCommands, FindTheFloorAndThenTheBallAmongClutter) {
                           0),
             0u)
       << csv.out;
+
+  // Over the whole cloud a sphere search takes a huge sphere along the floor;
+  // bounding the radius finds the ball.
+  const Json bounded = ParseJson(
+      RunTool({"sphere", kCluttered, "--inlier-threshold", "0.02", "--max-radius", "1", "--json"}));
+  EXPECT_NEAR(bounded["radius"].get<double>(), 0.25, 2e-3);
+  EXPECT_NEAR(bounded["centre"][2].get<double>(), 0.25, 5e-3);
+  EXPECT_GT(
+      ParseJson(RunTool({"sphere", kCluttered, "--inlier-threshold", "0.02", "--json"}))["radius"]
+          .get<double>(),
+      1.0);
 }
 
 TEST(RobustCommands, ExtractsOneRowPerModelWithItsLabels) {
@@ -129,6 +140,13 @@ TEST(RobustCommands, RefusesOptionsOutOfRangeOrApart) {
        "--segment-by takes no --inlier-threshold"},
       {{"plane", "--inlier-threshold", "0.1", "--extract", "2", "--residuals"},
        "--extract takes neither --residuals nor --svg"},
+      {{"sphere", "--inlier-threshold", "0.1", "--min-radius", "-1"},
+       "--min-radius must be a finite number of at least 0, got -1"},
+      {{"cylinder", "--inlier-threshold", "0.1", "--min-radius", "2", "--max-radius", "1"},
+       "--max-radius must be at least --min-radius (2), got 1"},
+      {{"circle", "--max-radius", "1"}, "--max-radius takes --inlier-threshold"},
+      {{"sphere", "--inlier-threshold", "0.02", "--min-radius", "0.6", "--max-radius", "0.6"},
+       "found no sphere with a radius from 0.6 to 0.6"},
   };
   for (const auto &c : cases) {
     std::vector<std::string> args = c.args;
