@@ -1,7 +1,6 @@
 """Shared data of the package's tests."""
 
 import numpy as np
-import pytest
 
 try:
     from hypothesis import settings
@@ -55,11 +54,6 @@ def plane_points(n=200, seed=5):
     uv = rng.uniform(-1, 1, (n, 2)) * [25, 15]
     z = 0.02 * uv[:, 0] - 0.01 * uv[:, 1] + rng.uniform(-0.004, 0.004, n)
     return np.column_stack([uv + [300, 200], z + 50])
-
-
-@pytest.fixture
-def sphere_points():
-    return on_sphere(200)
 
 
 def bits(value):

@@ -30,7 +30,8 @@ def test_every_layout_and_dtype_gives_the_same_bits(name):
     assert bits(fit(few).residuals) == bits(fit(np.asfortranarray(few)).residuals)
 
 
-def test_results_are_immutable_readable_and_json_ready(sphere_points):
+def test_results_are_immutable_readable_and_json_ready():
+    sphere_points = on_sphere(200)
     s = quadrel.fit_sphere(sphere_points)
     with pytest.raises(AttributeError):
         s.radius = 1.0  # type: ignore[misc]

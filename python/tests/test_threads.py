@@ -3,8 +3,6 @@ same fits made one after another (the GIL is released while they compute)."""
 
 from concurrent.futures import ThreadPoolExecutor
 
-import numpy as np
-
 import quadrel
 from conftest import bits, on_sphere
 
