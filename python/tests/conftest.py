@@ -1,6 +1,11 @@
 """Shared data of the package's tests."""
 
+import os
+
 import numpy as np
+
+EXAMPLES = os.path.join(os.path.dirname(__file__), "..", "..", "examples", "data")
+CLUTTERED = os.path.join(EXAMPLES, "cluttered.ply")
 
 try:
     from hypothesis import settings

@@ -7,9 +7,7 @@ import numpy as np
 import pytest
 
 import quadrel
-from conftest import bits, on_sphere
-
-EXAMPLES = os.path.join(os.path.dirname(__file__), "..", "..", "examples", "data")
+from conftest import EXAMPLES, bits, on_sphere
 
 
 def write_ply(path, points, labels):

@@ -1,24 +1,17 @@
 """Fits through outliers: the floor of the cluttered sample with its inliers,
-the same bits as quadrel-fit on several threads, several models with their
-labels, and clear errors for bad options."""
-
-import json
-import os
-import pathlib
-import subprocess
+several models with their labels, and clear errors for bad options. Their
+bits are compared with quadrel-fit's in test_same_bits.py."""
 
 import numpy as np
 import pytest
 
 import quadrel
-from conftest import bits
-
-CLUTTERED = pathlib.Path(__file__).resolve().parents[2] / "examples" / "data" / "cluttered.ply"
+from conftest import CLUTTERED, bits
 
 
 @pytest.fixture(scope="module")
 def cloud():
-    return quadrel.read_points(str(CLUTTERED)).points
+    return quadrel.read_points(CLUTTERED).points
 
 
 def test_finds_the_floor_among_clutter(cloud):
@@ -33,21 +26,6 @@ def test_finds_the_floor_among_clutter(cloud):
     assert len(found.models) == 1 and bits(found.models[0].normal) == bits(floor.normal)
     np.testing.assert_array_equal(found.labels == 0, floor.inliers)
     assert set(np.unique(found.labels)) == {-1, 0} and found.labels.dtype == np.int64
-
-
-def test_same_bits_as_the_tool(cloud):
-    tool = os.environ.get("QUADREL_FIT")
-    if not tool:
-        pytest.skip("QUADREL_FIT names no quadrel-fit")
-    for shape, fit, vector in (("plane", quadrel.fit_plane, "normal"), ("sphere", quadrel.fit_sphere, "centre")):
-        out = subprocess.run([tool, shape, str(CLUTTERED), "--inlier-threshold", "0.02", "--seed", "3", "--json"],
-                             check=True, capture_output=True, text=True).stdout  # fmt: skip
-        report = json.loads(out)
-        mine = fit(cloud, inlier_threshold=0.02, seed=3, threads=3)
-        assert report["inliers"] == mine.inlier_count
-        assert report["inlier_rms"] == mine.rms
-        assert report["consensus_iterations"] == mine.consensus_iterations
-        assert bits(np.array(report[vector])) == bits(getattr(mine, vector)), shape
 
 
 @pytest.mark.parametrize(

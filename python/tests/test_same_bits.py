@@ -1,9 +1,10 @@
 """Every function gives from Python the same bits as the C++ library gives on
 the same input: the program reference_calls (built beside the tests) makes
-one call of each in C++ and prints the bits of its outputs, and
-metrology_reference one flatness or cylinder evaluation of the points it
-reads; these tests make the same calls through the package."""
+one call of each in C++ and prints the bits of its outputs, metrology_reference
+one flatness or cylinder evaluation of the points it reads, and quadrel-fit
+a fit through outliers; these tests make the same calls through the package."""
 
+import json
 import math
 import os
 import subprocess
@@ -12,7 +13,7 @@ import numpy as np
 import pytest
 
 import quadrel as q
-from conftest import cylinder_points, plane_points
+from conftest import CLUTTERED, cylinder_points, plane_points
 
 
 def data(rows, cols, seed):
@@ -128,3 +129,17 @@ def test_metrology_gives_the_bits_of_the_cpp_call(what, func, points, fields):
     result = func(points)
     got = hexes(*(getattr(result, field) for field in fields.split()))
     assert got == reference("quadrel_python_metrology_reference", what, stdin=text).split()
+
+
+@pytest.mark.parametrize("shape, vector", [("plane", "normal"), ("sphere", "centre")])
+def test_fits_through_outliers_give_the_bits_of_the_tool(shape, vector):
+    tool = os.environ.get("QUADREL_FIT")
+    if not tool:
+        pytest.skip("QUADREL_FIT names no quadrel-fit")
+    out = subprocess.run([tool, shape, CLUTTERED, "--inlier-threshold", "0.02", "--seed", "3", "--json"],
+                         check=True, capture_output=True, text=True).stdout  # fmt: skip
+    report = json.loads(out)
+    mine = getattr(q, "fit_" + shape)(q.read_points(CLUTTERED).points, inlier_threshold=0.02, seed=3, threads=3)
+    assert report["inliers"] == mine.inlier_count and report["inlier_rms"] == mine.rms
+    assert report["consensus_iterations"] == mine.consensus_iterations
+    assert hexes(report[vector]) == hexes(getattr(mine, vector))
