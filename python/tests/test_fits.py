@@ -31,8 +31,8 @@ def test_every_layout_and_dtype_gives_the_same_bits(name):
 
 
 def test_results_are_immutable_readable_and_json_ready():
-    sphere_points = on_sphere(200)
-    s = quadrel.fit_sphere(sphere_points)
+    points = on_sphere(200)
+    s = quadrel.fit_sphere(points)
     with pytest.raises(AttributeError):
         s.radius = 1.0  # type: ignore[misc]
     with pytest.raises(ValueError):
@@ -41,6 +41,6 @@ def test_results_are_immutable_readable_and_json_ready():
     assert text.startswith("Sphere(centre=[") and "residuals=<array of shape (200,)>" in text
     back = json.loads(json.dumps(s.to_dict()))
     assert back["radius"] == s.radius and back["centre"] == s.centre.tolist()
-    e = quadrel.fit_ellipse(sphere_points[:30] * [1.0, 1.0, 0.0])
+    e = quadrel.fit_ellipse(points[:30] * [1.0, 1.0, 0.0])
     assert e.foci.shape == (2, 3) and e.to_dict()["foci"][1] == e.foci[1].tolist()
     np.testing.assert_array_equal(e.centre, (e.foci[0] + e.foci[1]) / 2.0)

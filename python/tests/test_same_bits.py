@@ -102,8 +102,8 @@ def python_calls():
 
 
 def reference(*args, stdin=None):
-    """The words the C++ reference program (or the one named args[0] beside
-    it) prints."""
+    """What the C++ reference program prints, or the program args[0] beside
+    it run with args[1:]."""
     program = os.environ.get("QUADREL_REFERENCE")
     if not program:
         pytest.skip("QUADREL_REFERENCE (the reference_calls program) is not set; run through ctest")
