@@ -28,6 +28,16 @@ def test_finds_the_floor_among_clutter(cloud):
     assert set(np.unique(found.labels)) == {-1, 0} and found.labels.dtype == np.int64
 
 
+def test_radius_limits_find_the_ball_on_the_floor(cloud):
+    # Over the whole cloud the search takes a huge sphere along the floor.
+    assert quadrel.fit_sphere(cloud, inlier_threshold=0.02).radius > 1.0
+    ball = quadrel.fit_sphere(cloud, inlier_threshold=0.02, max_radius=1.0)
+    np.testing.assert_allclose(ball.centre, [0.3, -0.2, 0.25], atol=5e-3)
+    assert abs(ball.radius - 0.25) < 2e-3
+    found = quadrel.extract(cloud, "sphere", 0.02, max_models=1, max_radius=1.0)
+    assert bits(found.models[0].centre) == bits(ball.centre)
+
+
 @pytest.mark.parametrize(
     "call, message",
     [
@@ -39,6 +49,11 @@ def test_finds_the_floor_among_clutter(cloud):
         (lambda p: quadrel.extract(p, "cone", 0.1), "extract: shape must be one of line, plane, circle, sphere, cylinder"),
         (lambda p: quadrel.extract(p, "plane", 0.1, max_models=0), r"extract: max_models must lie in \[1, "),
         (lambda p: quadrel.fit_plane(np.c_[p[:, 0], p[:, 0], p[:, 0]], inlier_threshold=0.1), "fit_plane: found no plane"),
+        (lambda p: quadrel.fit_sphere(p, inlier_threshold=0.1, min_radius=-1), "fit_sphere: min_radius must be a finite number of at least 0"),
+        (lambda p: quadrel.fit_circle(p, inlier_threshold=0.1, min_radius=2, max_radius=1), r"fit_circle: max_radius must be at least min_radius \(2.0\), got 1.0"),
+        (lambda p: quadrel.fit_sphere(p, max_radius=1), "fit_sphere: max_radius takes inlier_threshold"),
+        (lambda p: quadrel.extract(p, "plane", 0.1, max_radius=1), "extract: min_radius and max_radius serve the circle, sphere, cylinder, not a plane"),
+        (lambda p: quadrel.fit_sphere(p, inlier_threshold=0.1, min_radius=0.6, max_radius=0.6), r"radius outside the limits \(from 0.6 to 0.6\)"),
     ],
 )  # fmt: skip
 def test_bad_options_raise_value_error_naming_the_function(cloud, call, message):
