@@ -81,29 +81,15 @@ void Frame(std::mt19937_64 &rng, double *u, double *e1, double *e2) {
 // A point of the true shape for parameters a, b in [-1, 1] (noise-free).
 void OnShape(ConsensusShape shape, const Cloud &c, double a, double b, double *out) {
   const Hypothesis &h = c.truth;
-  const double *e1 = c.e1, *e2 = c.e2;
-  const double pi = 3.141592653589793;
+  const double t = 3.141592653589793 * a, ca = std::cos(t), sa = std::sin(t);
+  const double s = std::sqrt(1.0 - b * b);
   for (int k = 0; k < 3; ++k) {
-    switch (shape) {
-      case ConsensusShape::kLine:
-        out[k] = h.p[k] + a * h.u[k];
-        break;
-      case ConsensusShape::kPlane:
-        out[k] = h.p[k] + a * e1[k] + b * e2[k];
-        break;
-      case ConsensusShape::kCircle:
-        out[k] = h.p[k] + h.r * (std::cos(pi * a) * e1[k] + std::sin(pi * a) * e2[k]);
-        break;
-      case ConsensusShape::kSphere: {
-        const double c = b, s = std::sqrt(1.0 - b * b);
-        out[k] = h.p[k] +
-                 h.r * (s * std::cos(pi * a) * e1[k] + s * std::sin(pi * a) * e2[k] + c * h.u[k]);
-        break;
-      }
-      case ConsensusShape::kCylinder:
-        out[k] = h.p[k] + b * h.u[k] + h.r * (std::cos(pi * a) * e1[k] + std::sin(pi * a) * e2[k]);
-        break;
-    }
+    const double around = ca * c.e1[k] + sa * c.e2[k];
+    const double at[] = {h.p[k] + a * h.u[k], h.p[k] + a * c.e1[k] + b * c.e2[k],
+                         h.p[k] + h.r * around,
+                         h.p[k] + h.r * (s * ca * c.e1[k] + s * sa * c.e2[k] + b * h.u[k]),
+                         h.p[k] + b * h.u[k] + h.r * around};
+    out[k] = at[static_cast<int>(shape)];
   }
 }
 
@@ -129,11 +115,10 @@ Cloud MakeCloud(ConsensusShape shape, int n, double outlierFraction, std::uint64
 
 Hypothesis FromModel(const ConsensusModel &m) {
   Hypothesis h;
-  for (int k = 0; k < 3; ++k)
+  for (int k = 0; k < 3; ++k) {
     h.p[k] = m.point(k, 0);
-  if (m.direction.GetRows() == 3)
-    for (int k = 0; k < 3; ++k)
-      h.u[k] = m.direction(k, 0);
+    if (m.direction.GetRows() == 3) h.u[k] = m.direction(k, 0);
+  }
   h.r = m.radius;
   return h;
 }
@@ -193,9 +178,8 @@ TEST(SampleConsensus, FindsEveryShapeAmongOutliersAsWellAsLeastSquaresOfTheTrueI
         ASSERT_EQ(r.status, ConsensusStatus::kFound)
             << Name(shape) << " " << outliers << " " << seed;
         std::vector<std::int64_t> trueInliers;
-        for (std::size_t i = 0; i < c.inlier.size(); ++i) {
+        for (std::size_t i = 0; i < c.inlier.size(); ++i)
           if (c.inlier[i]) trueInliers.push_back(static_cast<std::int64_t>(i));
-        }
         Hypothesis fit = c.truth;
         ASSERT_TRUE(RefitInliers(shape, c.Columns(), trueInliers, fit));
         const double error = ModelError(shape, c, FromModel(r.model));
@@ -263,24 +247,24 @@ TEST(SampleConsensus, RefusesBadInputAndDegenerateCloudsWithAStatus) {
   const ConsensusStatus bad = ConsensusStatus::kBadArgument;
   ConsensusOptions good;
   good.inlierThreshold = kThreshold;
-  for (double t : {0.0, -1.0, kNaN, kInf}) {
-    ConsensusOptions o = good;
-    o.inlierThreshold = t;
+  // Threshold, confidence, iterations and threads, one of them out of range.
+  const struct {
+    double threshold, confidence;
+    std::int64_t iterations;
+    int threads;
+  } spoilt[] = {{0.0, 0.5, 9, 0},  {-1.0, 0.5, 9, 0}, {kNaN, 0.5, 9, 0},
+                {kInf, 0.5, 9, 0}, {0.1, 0.0, 9, 0},  {0.1, 1.0, 9, 0},
+                {0.1, kNaN, 9, 0}, {0.1, 0.5, 0, 0},  {0.1, 0.5, 9, -1}};
+  ConsensusOptions o = good;
+  for (const auto &s : spoilt) {
+    o.inlierThreshold = s.threshold;
+    o.confidence = s.confidence;
+    o.maxIterations = s.iterations;
+    o.threads = s.threads;
     const ConsensusResult r = FindConsensus(ConsensusShape::kPlane, points, o);
-    EXPECT_EQ(r.status, bad) << t;
+    EXPECT_EQ(r.status, bad) << s.threshold << " " << s.confidence << " " << s.iterations;
     EXPECT_TRUE(std::isnan(r.model.point(0, 0)) && r.inliers.empty());
   }
-  for (double p : {0.0, 1.0, kNaN}) {
-    ConsensusOptions o = good;
-    o.confidence = p;
-    EXPECT_EQ(FindConsensus(ConsensusShape::kPlane, points, o).status, bad) << p;
-  }
-  ConsensusOptions o = good;
-  o.maxIterations = 0;
-  EXPECT_EQ(FindConsensus(ConsensusShape::kPlane, points, o).status, bad);
-  o = good;
-  o.threads = -1;
-  EXPECT_EQ(FindConsensus(ConsensusShape::kPlane, points, o).status, bad);
   for (const auto &[least, most] :
        {std::pair{-1.0, 1.0}, {kInf, kInf}, {kNaN, 1.0}, {2.0, 1.0}, {0.0, kNaN}}) {
     o = good;
@@ -329,10 +313,8 @@ TEST(SampleConsensus, RefusesBadInputAndDegenerateCloudsWithAStatus) {
     flat(1, i) = s;
     flat(2, i) = 0.3 * t - 0.2 * s;
   }
-  EXPECT_EQ(FindConsensus(ConsensusShape::kPlane, line, o).status,
-            ConsensusStatus::kDegenerateSamples);
-  EXPECT_EQ(FindConsensus(ConsensusShape::kCircle, line, o).status,
-            ConsensusStatus::kDegenerateSamples);
+  for (ConsensusShape shape : {ConsensusShape::kPlane, ConsensusShape::kCircle})
+    EXPECT_EQ(FindConsensus(shape, line, o).status, ConsensusStatus::kDegenerateSamples);
   o.maxIterations = 17;
   const ConsensusResult r = FindConsensus(ConsensusShape::kSphere, flat, o);
   EXPECT_EQ(r.status, ConsensusStatus::kDegenerateSamples);
@@ -411,9 +393,8 @@ TEST(ExtractConsensus, LabelsTwoPlanesAndLeavesTheRestUnlabelled) {
     agree += ex.labels[i] == truth[i] ? 1 : 0;
   EXPECT_GT(agree, truth.size() * 98 / 100);
   for (std::size_t m = 0; m < 2; ++m) {
-    for (std::int64_t i : ex.models[m].inliers) {
+    for (std::int64_t i : ex.models[m].inliers)
       EXPECT_EQ(ex.labels[static_cast<std::size_t>(i)], static_cast<std::int64_t>(m));
-    }
   }
   const ConsensusResult sphere = FindConsensus(ConsensusShape::kSphere, points, o);
   ASSERT_EQ(sphere.status, ConsensusStatus::kFound);
