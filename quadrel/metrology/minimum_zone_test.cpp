@@ -26,6 +26,8 @@ struct Frame {
     Complement(w, u, v);
   }
   Vec3 At(double x, double y, double z) const { return origin + x * u + y * v + z * w; }
+  // At radius r and angle a about w.
+  Vec3 Ring(double r, double a, double z) const { return At(r * std::cos(a), r * std::sin(a), z); }
 };
 
 // Points collected one by one, as a 3 x n matrix.
@@ -83,7 +85,7 @@ TEST(MinimumZone, FlatnessOfEdgeEdgeAndVertexFacePatterns) {
       list.Add(f.At(0, size, -h));
     } else {  // a triangle above, a point below inside it
       for (int k = 0; k < 3; ++k)
-        list.Add(f.At(size * std::cos(2 * kPi * k / 3), size * std::sin(2 * kPi * k / 3), h));
+        list.Add(f.Ring(size, 2 * kPi * k / 3, h));
       list.Add(f.At(1.0, -2.0, -h));
     }
     for (int i = 0; i < 200; ++i)
@@ -112,12 +114,12 @@ TEST(MinimumZone, StraightnessIsTheThinnestCylinder) {
   // Three contacts at each end, turned by 60 degrees against each other.
   for (int k = 0; k < 3; ++k) {
     const double a = 2 * kPi * k / 3, b = a + kPi / 3;
-    list.Add(f.At(radius * std::cos(a), radius * std::sin(a), -length / 2));
-    list.Add(f.At(radius * std::cos(b), radius * std::sin(b), length / 2));
+    list.Add(f.Ring(radius, a, -length / 2));
+    list.Add(f.Ring(radius, b, length / 2));
   }
   for (int i = 0; i < 100; ++i) {
     const double r = 0.9 * radius * std::fabs(Wobble(i)), a = kPi * Wobble(i + 300);
-    list.Add(f.At(r * std::cos(a), r * std::sin(a), 0.5 * length * Wobble(i + 700)));
+    list.Add(f.Ring(r, a, 0.5 * length * Wobble(i + 700)));
   }
   CMatrix point, direction;
   ZoneInfo info;
@@ -137,21 +139,16 @@ TEST(MinimumZone, RoundnessAndTheCircumscribedAndInscribedCircles) {
   const double r = 25.0, h = 0.003;
   PointList zone, outer, inner;
   // Alternating contacts: outside at 0 and 180 degrees, inside at 90 and 270.
-  for (int k = 0; k < 4; ++k) {
-    const double rk = k % 2 == 0 ? r + h : r - h;
-    zone.Add(f.At(rk * std::cos(k * kPi / 2), rk * std::sin(k * kPi / 2), 0));
-  }
-  for (int k = 0; k < 3; ++k) {
-    const double a = 2 * kPi * k / 3 + 0.2;
-    outer.Add(f.At(r * std::cos(a), r * std::sin(a), 0));
-    inner.Add(f.At(r * std::cos(a), r * std::sin(a), 0));
-  }
+  for (int k = 0; k < 4; ++k)
+    zone.Add(f.Ring(k % 2 == 0 ? r + h : r - h, k * kPi / 2, 0));
+  for (int k = 0; k < 3; ++k)
+    outer.Add(f.Ring(r, 2 * kPi * k / 3 + 0.2, 0));
+  inner = outer;
   for (int i = 0; i < 150; ++i) {
     const double a = kPi * Wobble(i), d = Wobble(i + 400);
-    zone.Add(f.At((r + 0.9 * h * d) * std::cos(a), (r + 0.9 * h * d) * std::sin(a), 0));
-    const double below = r - 0.01 * (1.0 + d), above = r + 0.01 * (1.0 + d);
-    outer.Add(f.At(below * std::cos(a), below * std::sin(a), 0));
-    inner.Add(f.At(above * std::cos(a), above * std::sin(a), 0));
+    zone.Add(f.Ring(r + 0.9 * h * d, a, 0));
+    outer.Add(f.Ring(r - 0.01 * (1.0 + d), a, 0));
+    inner.Add(f.Ring(r + 0.01 * (1.0 + d), a, 0));
   }
   CMatrix centre, normal;
   double radius = 0.0;
@@ -187,8 +184,8 @@ TEST(MinimumZone, SphericityAndTheCircumscribedAndInscribedSpheres) {
     const double x = k == 1 || k == 2 ? -s : s, y = k == 2 || k == 3 ? -s : s;
     const double z = k == 1 || k == 3 ? -s : s;
     outer.Add(f.At(r * x, r * y, r * z));
-    inner.Add(f.At(r * x, r * y, r * z));
   }
+  inner = outer;
   for (int i = 0; i < 200; ++i) {
     const double z = Wobble(i), a = kPi * Wobble(i + 300), d = Wobble(i + 600);
     const Vec3 dir{std::sqrt(1 - z * z) * std::cos(a), std::sqrt(1 - z * z) * std::sin(a), z};
@@ -241,10 +238,8 @@ TEST(MinimumZone, RandomDataLiesInAZoneNoWiderThanTheGaussianSpread) {
     const double a = kPi * Wobble(i), z = Wobble(i + 3000);
     const double rough = 0.01 * Wobble(i + 6000) + 0.004 * std::cos(5 * a);
     plane.Add(f.At(30 * Wobble(i + 9000), 30 * Wobble(i + 12000), rough));
-    circle.Add(f.At((20 + rough) * std::cos(a), (20 + rough) * std::sin(a), 0.001 * z));
-    const double s = std::sqrt(1 - z * z);
-    sphere.Add(
-        f.At((20 + rough) * s * std::cos(a), (20 + rough) * s * std::sin(a), (20 + rough) * z));
+    circle.Add(f.Ring(20 + rough, a, 0.001 * z));
+    sphere.Add(f.Ring((20 + rough) * std::sqrt(1 - z * z), a, (20 + rough) * z));
   }
   for (int kind = 0; kind < 3; ++kind) {
     CMatrix centre, normal;
