@@ -29,33 +29,17 @@ struct Fitted {
 };
 
 Fitted Fit(FeatureKind kind, const CMatrix &points) {
+  using K = FeatureKind;
   Fitted f{};
-  CMatrix p, d;
+  CMatrix p, d(0.0, 3, 1);  // a sphere has no axis
   GaussianFitInfo info;
-  switch (kind) {
-    case FeatureKind::kLine:
-      f.status = GaussianLineFit(points, p, d, info);
-      break;
-    case FeatureKind::kPlane:
-      f.status = GaussianPlaneFit(points, p, d, info);
-      break;
-    case FeatureKind::kCircle:
-      f.status = GaussianCircleFit(points, p, d, f.radius, info);
-      break;
-    case FeatureKind::kSphere:
-      f.status = GaussianSphereFit(points, p, f.radius, info);
-      d = CMatrix(0.0, 3, 1);
-      break;
-    case FeatureKind::kCylinder:
-      f.status = GaussianCylinderFit(points, p, d, f.radius, info);
-      break;
-    case FeatureKind::kCone:
-      f.status = GaussianConeFit(points, p, d, f.halfAngle, f.radius, info);
-      break;
-    case FeatureKind::kTorus:
-      f.status = GaussianTorusFit(points, p, d, f.radius, f.minorRadius, info);
-      break;
-  }
+  if (kind == K::kLine) f.status = GaussianLineFit(points, p, d, info);
+  if (kind == K::kPlane) f.status = GaussianPlaneFit(points, p, d, info);
+  if (kind == K::kCircle) f.status = GaussianCircleFit(points, p, d, f.radius, info);
+  if (kind == K::kSphere) f.status = GaussianSphereFit(points, p, f.radius, info);
+  if (kind == K::kCylinder) f.status = GaussianCylinderFit(points, p, d, f.radius, info);
+  if (kind == K::kCone) f.status = GaussianConeFit(points, p, d, f.halfAngle, f.radius, info);
+  if (kind == K::kTorus) f.status = GaussianTorusFit(points, p, d, f.radius, f.minorRadius, info);
   f.position = V(p);
   f.axis = V(d);
   f.residuals = info.residuals;
