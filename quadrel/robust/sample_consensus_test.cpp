@@ -58,24 +58,23 @@ struct Cloud {
 
 // Random unit vector u and two unit vectors e1, e2 across it.
 void Frame(std::mt19937_64 &rng, double *u, double *e1, double *e2) {
+  const auto unit = [](double *v) {
+    const double l = std::sqrt(v[0] * v[0] + v[1] * v[1] + v[2] * v[2]);
+    for (int k = 0; k < 3; ++k)
+      v[k] /= l;
+  };
+  const auto across = [u](const double *a, double *out) {  // u x a
+    for (int k = 0; k < 3; ++k)
+      out[k] = u[(k + 1) % 3] * a[(k + 2) % 3] - u[(k + 2) % 3] * a[(k + 1) % 3];
+  };
   std::normal_distribution<double> g;
-  double n = 0.0;
-  for (int k = 0; k < 3; ++k) {
+  for (int k = 0; k < 3; ++k)
     u[k] = g(rng);
-    n += u[k] * u[k];
-  }
-  for (int k = 0; k < 3; ++k)
-    u[k] /= std::sqrt(n);
+  unit(u);
   const double a[3] = {std::fabs(u[0]) < 0.9 ? 1.0 : 0.0, std::fabs(u[0]) < 0.9 ? 0.0 : 1.0, 0.0};
-  e1[0] = u[1] * a[2] - u[2] * a[1];
-  e1[1] = u[2] * a[0] - u[0] * a[2];
-  e1[2] = u[0] * a[1] - u[1] * a[0];
-  const double l = std::sqrt(e1[0] * e1[0] + e1[1] * e1[1] + e1[2] * e1[2]);
-  for (int k = 0; k < 3; ++k)
-    e1[k] /= l;
-  e2[0] = u[1] * e1[2] - u[2] * e1[1];
-  e2[1] = u[2] * e1[0] - u[0] * e1[2];
-  e2[2] = u[0] * e1[1] - u[1] * e1[0];
+  across(a, e1);
+  unit(e1);
+  across(e1, e2);
 }
 
 // A point of the true shape for parameters a, b in [-1, 1] (noise-free).
