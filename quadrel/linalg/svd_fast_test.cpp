@@ -233,10 +233,8 @@ TEST(SvdFast, TallLsqMatchesTheLiteralSolver) {
       const CMatrix A = random.Matrix(m, n + 1, -2.0, 2.0);
       CMatrix deficient = A, scaled = A, zeroColumn = A, zeroRow = A, nan = A, inf = A;
       deficient.SetCol(Col(A, 0), n - 1);
-      for (int i = 0; i < m; ++i) {
-        scaled(i, 0) = 1e150 * A(i, 0);
-        zeroColumn(i, n - 1) = 0.0;
-      }
+      scaled.SetCol(1e150 * Col(A, 0), 0);
+      zeroColumn.SetCol(Zeros(m, 1), n - 1);
       for (int j = 0; j < n; ++j)
         zeroRow(0, j) = 0.0;
       nan(m / 2, n / 2) = std::nan("");
