@@ -169,21 +169,19 @@ TEST(MinimumZone, SphericityAndTheCircumscribedAndInscribedSpheres) {
   const Frame f;
   const double r = 40.0, h = 0.005;
   PointList zone, outer, inner;
-  // Outside along the six axes, inside along the eight cube diagonals.
+  // Outside along the six axes, inside along the eight cube diagonals; those
+  // diagonals with an even count of minus signs make a regular tetrahedron on
+  // the sphere for the one-sided fits.
   const double s = 1.0 / std::sqrt(3.0);
   for (int k = 0; k < 6; ++k) {
-    const double sign = k % 2 == 0 ? 1.0 : -1.0;
-    zone.Add(f.At(k / 2 == 0 ? sign * (r + h) : 0, k / 2 == 1 ? sign * (r + h) : 0,
-                  k / 2 == 2 ? sign * (r + h) : 0));
+    double c[3] = {0, 0, 0};
+    c[k / 2] = k % 2 == 0 ? r + h : -(r + h);
+    zone.Add(f.At(c[0], c[1], c[2]));
   }
-  for (int k = 0; k < 8; ++k)
-    zone.Add(
-        f.At((k & 1 ? s : -s) * (r - h), (k & 2 ? s : -s) * (r - h), (k & 4 ? s : -s) * (r - h)));
-  // A regular tetrahedron on the sphere for the one-sided fits.
-  for (int k = 0; k < 4; ++k) {
-    const double x = k == 1 || k == 2 ? -s : s, y = k == 2 || k == 3 ? -s : s;
-    const double z = k == 1 || k == 3 ? -s : s;
-    outer.Add(f.At(r * x, r * y, r * z));
+  for (int k = 0; k < 8; ++k) {
+    const double x = k & 1 ? s : -s, y = k & 2 ? s : -s, z = k & 4 ? s : -s;
+    zone.Add(f.At(x * (r - h), y * (r - h), z * (r - h)));
+    if (x * y * z > 0) outer.Add(f.At(r * x, r * y, r * z));
   }
   inner = outer;
   for (int i = 0; i < 200; ++i) {
