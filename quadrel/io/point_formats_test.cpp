@@ -178,11 +178,10 @@ TEST(PointFormats, RefuseBadFilesNamingTheLineOrByteAndTheFault) {
   const std::string pcdBody = pcd.substr(pcd.find("binary_compressed\n") + 18);
   const std::string pcdHead = pcd.substr(0, pcd.size() - pcdBody.size());
   const double unit[3] = {1, 1, 1}, zero[3] = {0, 0, 0};
-  std::string las = WriteLas(cloud, 1, 2, unit, zero);
-  std::string laz = las;
-  laz[104] = static_cast<char>(0x81);
-  std::string nanScale = las;
-  nanScale.replace(139, 8, std::string("\0\0\0\0\0\0\xf8\x7f", 8));
+  const std::string las = WriteLas(cloud, 1, 2, unit, zero);
+  const std::string laz = las.substr(0, 104) + "\x81" + las.substr(105);
+  const std::string nanScale =
+      las.substr(0, 139) + std::string("\0\0\0\0\0\0\xf8\x7f", 8) + las.substr(147);
   const std::pair<std::string, std::string> cases[] = {
       // PLY header and body
       {plyHead + "property bool x\nend_header\n",
