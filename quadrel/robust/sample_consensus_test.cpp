@@ -278,20 +278,16 @@ TEST(SampleConsensus, RefusesBadInputAndDegenerateCloudsWithAStatus) {
   }
   // Collinear points for a plane and a circle, coplanar ones for a sphere;
   // the cap on iterations holds as well.
-  CMatrix line(3, 300), flat(3, 300);
+  Cloud line, flat;
   for (int i = 0; i < 300; ++i) {
     const double t = 0.01 * i - 1.0, s = std::sin(0.37 * i);
-    line(0, i) = 1.0 + 0.3 * t;
-    line(1, i) = -2.0 + 0.7 * t;
-    line(2, i) = 0.5 - 0.2 * t;
-    flat(0, i) = t + 0.5 * s;
-    flat(1, i) = s;
-    flat(2, i) = 0.3 * t - 0.2 * s;
+    line.Add(1.0 + 0.3 * t, -2.0 + 0.7 * t, 0.5 - 0.2 * t, true);
+    flat.Add(t + 0.5 * s, s, 0.3 * t - 0.2 * s, true);
   }
   for (ConsensusShape shape : {ConsensusShape::kPlane, ConsensusShape::kCircle})
-    EXPECT_EQ(FindConsensus(shape, line, o).status, ConsensusStatus::kDegenerateSamples);
+    EXPECT_EQ(FindConsensus(shape, line.Points(), o).status, ConsensusStatus::kDegenerateSamples);
   o.maxIterations = 17;
-  const ConsensusResult r = FindConsensus(ConsensusShape::kSphere, flat, o);
+  const ConsensusResult r = FindConsensus(ConsensusShape::kSphere, flat.Points(), o);
   EXPECT_EQ(r.status, ConsensusStatus::kDegenerateSamples);
   EXPECT_EQ(r.iterations, 17);
 }
@@ -344,12 +340,8 @@ TEST(ExtractConsensus, LabelsTwoPlanesAndLeavesTheRestUnlabelled) {
   for (int i = 0; i < 400; ++i, truth.push_back(1))
     c.Add(3.0 + noise(rng), unit(rng), unit(rng), true);
   for (int i = 0; i < 800; ++i, truth.push_back(-1)) {
-    double d[3], l = 0.0;
-    for (double &v : d) {
-      v = unit(rng);
-      l += v * v;
-    }
-    l = std::sqrt(l);
+    const double d[3] = {unit(rng), unit(rng), unit(rng)};
+    const double l = std::sqrt(d[0] * d[0] + d[1] * d[1] + d[2] * d[2]);
     c.Add(0.5 * d[0] / l + noise(rng), 0.5 * d[1] / l + noise(rng), 3.0 + 0.5 * d[2] / l, true);
   }
   for (int i = 0; i < 200; ++i, truth.push_back(-1))
