@@ -99,9 +99,8 @@ TEST(MinimumZone, FlatnessOfEdgeEdgeAndVertexFacePatterns) {
     EXPECT_NEAR(Dot(V(point) - f.origin, f.w), 0.0, 1e-12 * size);
     // The four contacts, with the upper ones on the side the normal points to.
     const int up = Dot(V(normal), f.w) > 0 ? 1 : -1;
-    const std::set<std::pair<int, int>> expected =
-        pattern == 0 ? std::set<std::pair<int, int>>{{0, up}, {1, up}, {2, -up}, {3, -up}}
-                     : std::set<std::pair<int, int>>{{0, up}, {1, up}, {2, up}, {3, -up}};
+    const std::set<std::pair<int, int>> expected = {
+        {0, up}, {1, up}, {2, pattern == 0 ? -up : up}, {3, -up}};
     EXPECT_EQ(Contacts(info), expected) << "pattern " << pattern;
     EXPECT_NEAR(info.deviations(0, 0), up * h, 1e-12 * size);
   }
