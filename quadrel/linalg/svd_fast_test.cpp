@@ -28,10 +28,6 @@ struct Input {
   CMatrix A;
 };
 
-std::string Shape(int m, int n) {
-  return std::to_string(m) + " x " + std::to_string(n);
-}
-
 bool HasNonFinite(const CMatrix &A) {
   for (int i = 0; i < A.GetRows(); ++i)
     for (int j = 0; j < A.GetCols(); ++j)
@@ -63,7 +59,7 @@ std::vector<Input> Inputs() {
       extreme(i, 0) = i % 2 ? -0.0 : 0.0;
       if (n > 2) extreme(i, 1) = 1e-150 * extreme(i, 1);
     }
-    const std::string at = " " + Shape(m, n);
+    const std::string at = " " + std::to_string(m) + " x " + std::to_string(n);
     inputs.insert(inputs.end(), {{"random" + at, A},
                                  {"rank-deficient" + at, deficient},
                                  {"permuted columns" + at, permuted},
@@ -239,7 +235,7 @@ TEST(SvdFast, TallLsqMatchesTheLiteralSolver) {
         zeroRow(0, j) = 0.0;
       nan(m / 2, n / 2) = std::nan("");
       inf(m - 1, 0) = HUGE_VAL;
-      const std::string at = " " + Shape(m, n);
+      const std::string at = " " + std::to_string(m) + " x " + std::to_string(n);
       systems.insert(systems.end(), {{"random" + at, A},
                                      {"rank-deficient" + at, deficient},
                                      {"scaled" + at, scaled},
