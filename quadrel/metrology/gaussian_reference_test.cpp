@@ -48,10 +48,8 @@ Fitted Fit(FeatureKind kind, const CMatrix &points) {
 
 // The largest of the position, orientation and size errors over the size.
 double RelativeError(const NominalFeature &nominal, const Fitted &f, double size) {
-  const Vec3 a = V(nominal.position), w = V(nominal.direction);
-  const Vec3 offset = f.position - a;
-  double position = Norm(offset);
-  double angle = 0.0;
+  const Vec3 w = V(nominal.direction), offset = f.position - V(nominal.position);
+  double position = Norm(offset), angle = 0.0;
   if (nominal.kind != FeatureKind::kSphere) {
     angle = Norm(Cross(f.axis, w));
     // Points of a line, plane or axis may slide within the feature.
@@ -86,11 +84,9 @@ const Coverage kFull = {2.0 * kPi, kPi, 1.0};
 // Runs one feature kind over sizes, offsets and each coverage.
 void CheckKind(FeatureKind kind, std::initializer_list<Coverage> coverages,
                double halfAngle = 0.0) {
-  const double sizes[] = {1.0, 10.0, 100.0, 1000.0};
-  const double offsets[] = {0.0, 1000.0};
   std::uint64_t seed = 11;
-  for (double size : sizes) {
-    for (double offset : offsets) {
+  for (double size : {1.0, 10.0, 100.0, 1000.0})
+    for (double offset : {0.0, 1000.0}) {
       int variant = 0;
       for (const Coverage &coverage : coverages) {
         ++seed;
@@ -130,7 +126,6 @@ void CheckKind(FeatureKind kind, std::initializer_list<Coverage> coverages,
         EXPECT_LE(residualError, 1e-9 * size) << tag;
       }
     }
-  }
 }
 
 }  // namespace
