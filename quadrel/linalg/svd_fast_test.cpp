@@ -182,12 +182,11 @@ double Tall(const CMatrix &A, const CMatrix &b, CMatrix &x) {
   return cond;
 }
 
-// The systems of the fits that solve on columns, for points near a sphere, a
+// Appends the systems of the fits that solve on columns, for points near a sphere, a
 // circle in the plane z = 0 and a paraboloid: (1, 2x, 2y, 2z | x^2 + y^2 + z^2),
 // (1, 2x, 2y | x^2 + y^2) and (x^2, 2x, y^2, 2y, 1 | z); with flat, collinear
 // and straight point sets they are rank-deficient.
-std::vector<Input> FitSystems(TestRandom &random, int points) {
-  std::vector<Input> systems;
+void AddFitSystems(TestRandom &random, int points, std::vector<Input> &systems) {
   for (bool degenerate : {false, true}) {
     CMatrix sphere(points, 5), circle(points, 4), paraboloid(points, 6);
     const auto put = [](CMatrix &system, int i, std::initializer_list<double> row) {
@@ -214,7 +213,6 @@ std::vector<Input> FitSystems(TestRandom &random, int points) {
     systems.push_back({"circle system" + how, circle});
     systems.push_back({"paraboloid system" + how, paraboloid});
   }
-  return systems;
 }
 
 // Every number of unknowns TallLsq takes, row counts around its block of 16
@@ -245,8 +243,7 @@ TEST(SvdFast, TallLsqMatchesTheLiteralSolver) {
                                      {"infinity" + at, inf}});
     }
   }
-  for (const Input &fit : FitSystems(random, 1000))
-    systems.push_back(fit);
+  AddFitSystems(random, 1000, systems);
 
   for (const Input &system : systems) {
     const int n = system.A.GetCols() - 1;
