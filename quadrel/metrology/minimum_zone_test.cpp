@@ -112,9 +112,8 @@ TEST(MinimumZone, StraightnessIsTheThinnestCylinder) {
   PointList list;
   // Three contacts at each end, turned by 60 degrees against each other.
   for (int k = 0; k < 3; ++k) {
-    const double a = 2 * kPi * k / 3, b = a + kPi / 3;
-    list.Add(f.Ring(radius, a, -length / 2));
-    list.Add(f.Ring(radius, b, length / 2));
+    list.Add(f.Ring(radius, 2 * kPi * k / 3, -length / 2));
+    list.Add(f.Ring(radius, 2 * kPi * k / 3 + kPi / 3, length / 2));
   }
   for (int i = 0; i < 100; ++i) {
     const double r = 0.9 * radius * std::fabs(Wobble(i)), a = kPi * Wobble(i + 300);
