@@ -165,8 +165,7 @@ TEST(SampleConsensus, FindsEveryShapeAmongOutliersAsWellAsLeastSquaresOfTheTrueI
     for (double outliers : {0.1, 0.4, 0.7}) {
       // Each cylinder hypothesis is an iterative fit: fewer seeds where it
       // takes thousands of them.
-      const bool costly = shape == ConsensusShape::kCylinder && outliers > 0.5;
-      const int seeds = costly ? 20 : 100;
+      const int seeds = shape == ConsensusShape::kCylinder && outliers > 0.5 ? 20 : 100;
       double ours = 0.0, reference = 0.0;
       for (int seed = 0; seed < seeds; ++seed) {
         const Cloud c = MakeCloud(shape, 500, outliers, static_cast<std::uint64_t>(seed));
