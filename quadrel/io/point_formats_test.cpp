@@ -247,10 +247,8 @@ TEST(PointFormats, RefuseBadFilesNamingTheLineOrByteAndTheFault) {
        "'\\x89PNG\\x0d\\x0a\\x1a\\x0a\\x00\\x00\\x00\\x0dIHDR') but is not PLY, PCD or LAS; "
        "text files hold numbers as text"},
   };
-  for (const auto &[content, message] : cases) {
-    SCOPED_TRACE(message);
+  for (const auto &[content, message] : cases)
     EXPECT_EQ(Message(content), message);
-  }
 }
 
 TEST(Lzf, CopiesOverlappingReferencesAndRefusesBrokenInput) {
