@@ -3,6 +3,7 @@
 // number of threads, and a status for every kind of bad input.
 #include "quadrel/robust/sample_consensus.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstring>
 #include <limits>
@@ -422,5 +423,20 @@ TEST(SampleConsensus, GivesTheSameBitsOnEveryPlatformForAnyNumberOfThreads) {
     EXPECT_EQ(local.status, r.status);
     EXPECT_EQ(local.inliers, r.inliers);
     EXPECT_EQ(local.iterations, r.iterations);
+  }
+  // A score adds the blocks' partial sums in block order, whichever thread
+  // scored which block.
+  const Cloud cloud = PortableCloud(ConsensusShape::kPlane, 5 * kScoreBlock + 77, 3);
+  Hypothesis model;
+  model.u[2] = 1.0;
+  double inOrder = 0.0;
+  for (std::int64_t begin = 0; begin < cloud.Columns().n; begin += kScoreBlock) {
+    const std::int64_t end = std::min(begin + kScoreBlock, cloud.Columns().n);
+    inOrder += ScoreRange(ConsensusShape::kPlane, model, cloud.Columns(), begin, end, 0.0004).sum;
+  }
+  for (int threads : {1, 3}) {
+    BlockPool pool(threads);
+    const double sum = ScoreCloud(ConsensusShape::kPlane, model, cloud.Columns(), 0.0004, pool).sum;
+    EXPECT_EQ(std::memcmp(&sum, &inOrder, sizeof sum), 0) << threads;
   }
 }
